@@ -1,0 +1,45 @@
+#include "core/byte_buffer.h"
+
+#include <cstring>
+
+#include "core/memory_hooks.h"
+
+CByteBuffer::CByteBuffer(const CByteBuffer& other) : granule(other.granule) {
+  if (SetSize(other.size) && size) std::memcpy(data, other.data, size);
+}
+
+CByteBuffer& CByteBuffer::operator=(const CByteBuffer& other) {
+  if (this == &other) return *this;
+  Release();
+  granule = other.granule;
+  if (SetSize(other.size) && size) std::memcpy(data, other.data, size);
+  return *this;
+}
+
+bool CByteBuffer::Reserve(u32 n) {
+  const u64 rounded = (u64(n) + granule - 1) / granule * granule;
+  if (rounded <= capacity) return true;
+  if (rounded > UINT32_MAX) return false;
+  auto* store = static_cast<u8*>(MemAllocate(rounded));
+  if (!store) return false;
+  // The whole old store moves, not only `size`: bytes past it may have been written.
+  if (capacity) std::memcpy(store, data, capacity);
+  std::memset(store + capacity, 0, rounded - capacity);
+  if (data) MemFree(data);
+  data = store;
+  capacity = static_cast<u32>(rounded);
+  return true;
+}
+
+bool CByteBuffer::SetSize(u32 n) {
+  if (!Reserve(n)) return false;
+  size = n;
+  return true;
+}
+
+void CByteBuffer::Release() {
+  if (data) MemFree(data);
+  data = nullptr;
+  size = 0;
+  capacity = 0;
+}

@@ -1,0 +1,137 @@
+#include "core/string_buffer.h"
+
+#include <cstdio>
+#include <cstring>
+#include <string>
+
+#include "core/memory_hooks.h"
+#include "core/utf8.h"
+
+namespace {
+
+constinit char gSharedEmptyA[1] = {};
+constinit char16_t gSharedEmptyW[1] = {};
+
+constexpr u64 kHeapStep = 256;
+
+}  // namespace
+
+template <class Char>
+Char* CStringBuffer<Char>::SharedEmpty() {
+  if constexpr (std::same_as<Char, char>) {
+    return gSharedEmptyA;
+  } else {
+    return gSharedEmptyW;
+  }
+}
+
+template <class Char>
+CStringBuffer<Char>::~CStringBuffer() {
+  if (text && text != SharedEmpty()) MemFree(text);
+}
+
+template <class Char>
+bool CStringBuffer<Char>::Reserve(u32 size) {
+  if (size <= capacity) return true;
+  const u64 rounded = (u64(size) + kHeapStep - 1) & ~(kHeapStep - 1);
+  if (rounded > UINT32_MAX) return false;
+  auto* store = static_cast<Char*>(MemAllocate(rounded * sizeof(Char)));
+  if (!store) return false;
+  if (text && text != SharedEmpty()) {
+    std::memcpy(store, text, (u64(length) + 1) * sizeof(Char));
+    MemFree(text);
+  } else {
+    store[0] = 0;
+  }
+  text = store;
+  capacity = static_cast<u32>(rounded);
+  return true;
+}
+
+template <class Char>
+void CStringBuffer<Char>::Clear(bool release) {
+  if (!release) {
+    if (text && text != SharedEmpty()) text[0] = 0;
+    length = 0;
+    return;
+  }
+  if (text && text != SharedEmpty()) MemFree(text);
+  text = SharedEmpty();
+  capacity = 0;
+  length = 0;
+}
+
+template <class Char>
+const Char* CStringBuffer<Char>::Assign(const Char* source) {
+  if (!source) {
+    Clear(false);
+    return Text();
+  }
+  const size_t n = std::char_traits<Char>::length(source);
+  if (n >= UINT32_MAX || !Reserve(static_cast<u32>(n + 1))) return Text();
+  std::memcpy(text, source, (n + 1) * sizeof(Char));
+  length = static_cast<u32>(n);
+  return text;
+}
+
+template <class Char>
+i32 CStringBuffer<Char>::AssignWide(const char16_t* wide) requires std::same_as<Char, char> {
+  Clear(false);
+  if (!wide || !wide[0]) return 0;
+  const u32 needed = Utf16ToUtf8(wide, nullptr, 0);
+  if (needed >= UINT32_MAX || !Reserve(needed + 1)) return 0;
+  Utf16ToUtf8(wide, text, needed);
+  length = needed - 1;
+  return static_cast<i32>(length);
+}
+
+template <class Char>
+i32 CStringBuffer<Char>::FormatV(const char* format, va_list args) requires std::same_as<Char, char> {
+  va_list measure;
+  va_copy(measure, args);
+  const int n = std::vsnprintf(nullptr, 0, format, measure);
+  va_end(measure);
+  if (n > 0 && Reserve(static_cast<u32>(n) + 1)) {
+    std::vsnprintf(text, static_cast<size_t>(n) + 1, format, args);
+    length = static_cast<u32>(n);
+    return n;
+  }
+  Clear(false);
+  return static_cast<i32>(length);
+}
+
+template <class Char>
+i32 CStringBuffer<Char>::AppendFormatV(const char* format, va_list args)
+  requires std::same_as<Char, char> {
+  va_list measure;
+  va_copy(measure, args);
+  const int n = std::vsnprintf(nullptr, 0, format, measure);
+  va_end(measure);
+  const u64 total = u64(length) + 1 + u64(n > 0 ? n : 0);
+  if (n > 0 && total <= UINT32_MAX && Reserve(static_cast<u32>(total))) {
+    std::vsnprintf(text + length, static_cast<size_t>(n) + 1, format, args);
+    length += static_cast<u32>(n);
+  }
+  return static_cast<i32>(length);
+}
+
+template <class Char>
+i32 CStringBuffer<Char>::Format(const char* format, ...) requires std::same_as<Char, char> {
+  va_list args;
+  va_start(args, format);
+  const i32 result = FormatV(format, args);
+  va_end(args);
+  return result;
+}
+
+template <class Char>
+i32 CStringBuffer<Char>::AppendFormat(const char* format, ...) requires std::same_as<Char, char> {
+  va_list args;
+  va_start(args, format);
+  const i32 result = AppendFormatV(format, args);
+  va_end(args);
+  return result;
+}
+
+template class CStringBuffer<char>;
+template class CStringBuffer<char16_t>;
