@@ -1,0 +1,8 @@
+#pragma once
+
+#include "core/string_buffer.h"
+
+// Replaces `out` with `text` where every run of `/` and `\` becomes one `\` when a character
+// follows it and vanishes at the end. Nothing else is interpreted: `.`, `..`, drive letters and
+// case stay. `text` may lie inside `out`'s own text.
+void NormalizePath(const char* text, CStringBufferA& out);

@@ -1,0 +1,140 @@
+#include "assets/pack_index.h"
+
+#include <cstring>
+#include <utility>
+
+#include "assets/block_reader.h"
+#include "assets/normalize_path.h"
+
+namespace {
+
+// Seeks take a signed 32-bit distance from the start of a pack, so chunks and data lie below 2 GiB.
+constexpr u32 kMaxFileOffset = 0x7FFFFFFF;
+constexpr u32 kLastPackNumber = 0xFFFFFFFF;
+
+// Brent's cycle finding over the chunk chain: no memory per chunk, and a chain that comes back to a
+// chunk already read is caught within a few laps.
+class ChainLoopCheck {
+ public:
+  // False when `offset` closes a loop.
+  bool Visit(u32 offset) {
+    if (offset == saved) return false;
+    if (steps == power) {
+      saved = offset;
+      power *= 2;
+      steps = 0;
+    }
+    ++steps;
+    return true;
+  }
+
+ private:
+  u32 saved = 0;  // the first chunk lies at offset 0
+  u64 power = 1;
+  u64 steps = 1;
+};
+
+}  // namespace
+
+bool PackIndex::Open(const char* folder) {
+  Clear();
+  TStringBufferA<261> root;
+  NormalizePath(folder, root);
+  TStringBufferA<261> path;
+  TStringBufferA<261> name;
+  CByteBuffer block(BlockReader::kBlockSize);
+  for (u32 number = 0; number != kLastPackNumber; ++number) {
+    path.Format("%s\\assets_%.3u.pack", root.Text(), number);
+    FileHandle file;
+    if (!file.Open(path.Text())) return true;
+    TOwned<PackFile> node(MemNew<PackFile>(std::move(file)));
+    if (!node) {
+      Clear();
+      return false;
+    }
+    PackFile* added = node.get();
+    if (tail) {
+      tail->next = std::move(node);
+    } else {
+      head = std::move(node);
+    }
+    tail = added;
+    ++count;
+    if (!ReadDirectory(added->file, block, name)) {
+      Clear();
+      return false;
+    }
+  }
+  return true;
+}
+
+// Directory chunk: nextChunk, entryCount, then entries of nameLength, name bytes, dataOffset,
+// dataSize and a reserved word. All big-endian u32; the reserved word is never interpreted.
+bool PackIndex::ReadDirectory(const FileHandle& file, CByteBuffer& block, CStringBufferA& name) {
+  BlockReader reader(file, block);
+  ChainLoopCheck loopCheck;
+  u32 chunkOffset = 0;
+  for (;;) {
+    reader.Seek(chunkOffset);
+    u32 nextChunk;
+    u32 entryCount;
+    if (!reader.ReadU32BE(nextChunk) || !reader.ReadU32BE(entryCount)) return false;
+    for (u32 e = 0; e < entryCount; ++e) {
+      u32 nameLength;
+      if (!reader.ReadU32BE(nameLength) || nameLength == UINT32_MAX) return false;
+      const u8* nameBytes = reader.Take(nameLength);
+      if (!nameBytes || !name.Reserve(nameLength + 1)) return false;
+      std::memcpy(name.Data(), nameBytes, nameLength);
+      name.SetLength(nameLength);
+      u32 dataOffset;
+      u32 dataSize;
+      u32 reserved;
+      if (!reader.ReadU32BE(dataOffset) || !reader.ReadU32BE(dataSize) || !reader.ReadU32BE(reserved)) {
+        return false;
+      }
+      // The last occurrence of a name decides its location, the first its place in the walk.
+      PackEntry* slot = nullptr;
+      CStringA key;
+      u32 bucket = 0;
+      if (entries.Capacity() != 0) {
+        key.Borrow(name.Text());
+        bucket = entries.Bucket(key);
+        const u32 found = entries.FindInBucket(bucket, key);
+        if (found < entries.Count()) slot = &entries.ValueAt(found);
+      }
+      if (!slot) {
+        if (!key.Assign(name.Text())) return false;
+        slot = entries.InsertAt(bucket, std::move(key));
+        if (!slot) return false;
+      }
+      *slot = PackEntry{&file, dataOffset, dataSize};
+    }
+    if (nextChunk == 0) return true;
+    if (nextChunk > kMaxFileOffset || !loopCheck.Visit(nextChunk)) return false;
+    chunkOffset = nextChunk;
+  }
+}
+
+void PackIndex::Clear() {
+  // Entries borrow the handles, so they go first.
+  entries.Clear();
+  while (head) head = std::move(head->next);
+  tail = nullptr;
+  count = 0;
+}
+
+const PackEntry* PackIndex::Find(const char* name) const {
+  if (entries.Capacity() == 0) return nullptr;
+  CStringA probe;
+  probe.Borrow(name);
+  const u32 found = entries.Find(probe);
+  return found < entries.Count() ? &entries.ValueAt(found) : nullptr;
+}
+
+bool PackIndex::FetchEntry(const PackEntry* entry, CByteBuffer& bytes) {
+  if (!entry || !entry->file || entry->offset > kMaxFileOffset) return false;
+  // Data that runs past the end of its pack can't be read whole; refuse before allocating for it.
+  if (u64(entry->offset) + entry->size > entry->file->Size()) return false;
+  if (!bytes.SetSize(entry->size)) return false;
+  return entry->file->ReadExact(entry->offset, bytes.Data(), entry->size);
+}

@@ -1,0 +1,74 @@
+#pragma once
+
+#include <utility>
+
+#include "core/byte_buffer.h"
+#include "core/hash_map.h"
+#include "core/memory_hooks.h"
+#include "core/string_buffer.h"
+#include "core/value_string.h"
+#include "platform/file_handle.h"
+
+// Where one file of a game lies: `file` is borrowed from the index's open packs.
+struct PackEntry {
+  const FileHandle* file = nullptr;
+  u32 offset = 0;
+  u32 size = 0;
+};
+
+// One index over all packs of a game (assets_000.pack, assets_001.pack, ... up to the first number
+// that can't be opened). Slots keep the walk order of a name's first occurrence (pack, chunk, place
+// in chunk) and the location of its last. From the return of Open until the next Clear no entry
+// moves, so PackEntry pointers may be kept for that long.
+class PackIndex {
+ public:
+  PackIndex() = default;
+  PackIndex(const PackIndex&) = delete;
+  PackIndex& operator=(const PackIndex&) = delete;
+  ~PackIndex() { Clear(); }
+
+  // Replaces the whole index with the packs in `folder`. A missing first pack is no failure (the
+  // index is just empty); a bad directory in any pack empties the index and closes every pack.
+  [[nodiscard]] bool Open(const char* folder);
+  // Empties the table, keeping its storage, and closes all packs.
+  void Clear();
+
+  // Exact, case-sensitive lookup; null when absent.
+  const PackEntry* Find(const char* name) const;
+  [[nodiscard]] bool FetchByName(const char* name, CByteBuffer& bytes) const {
+    return FetchEntry(Find(name), bytes);
+  }
+  // Reads the entry's bytes into `bytes`. False for a null entry, an offset at or past 2 GiB, data
+  // running past the end of its pack, or memory refused.
+  [[nodiscard]] static bool FetchEntry(const PackEntry* entry, CByteBuffer& bytes);
+
+  // The walk: slots by index, in order of first occurrence.
+  u32 EntryCount() const { return entries.Count(); }
+  const char* NameAt(u32 index) const { return entries.KeyAt(index).Text(); }
+  const PackEntry* EntryAt(u32 index) const { return &entries.ValueAt(index); }
+  // Calls visit(name, entry) for each slot until it gives false; gives false if it was stopped.
+  template <class Visitor>
+  bool Walk(Visitor&& visit) const {
+    for (u32 i = 0; i < entries.Count(); ++i) {
+      if (!visit(NameAt(i), EntryAt(i))) return false;
+    }
+    return true;
+  }
+
+  u32 PackCount() const { return count; }
+  u32 TableCapacity() const { return entries.Capacity(); }
+
+ private:
+  struct PackFile {
+    explicit PackFile(FileHandle&& opened) : file(std::move(opened)) {}
+    TOwned<PackFile> next;
+    FileHandle file;
+  };
+
+  bool ReadDirectory(const FileHandle& file, CByteBuffer& block, CStringBufferA& name);
+
+  TOwned<PackFile> head;
+  PackFile* tail = nullptr;
+  u32 count = 0;
+  THashMap<CStringA, PackEntry> entries;
+};
