@@ -17,7 +17,7 @@ constexpr u64 kHeapStep = 256;
 }  // namespace
 
 template <class Char>
-Char* CStringBuffer<Char>::SharedEmpty() {
+Char* TStringBufferBase<Char>::SharedEmpty() {
   if constexpr (std::same_as<Char, char>) {
     return gSharedEmptyA;
   } else {
@@ -26,12 +26,12 @@ Char* CStringBuffer<Char>::SharedEmpty() {
 }
 
 template <class Char>
-CStringBuffer<Char>::~CStringBuffer() {
+TStringBufferBase<Char>::~TStringBufferBase() {
   if (text && text != SharedEmpty()) MemFree(text);
 }
 
 template <class Char>
-bool CStringBuffer<Char>::Reserve(u32 size) {
+bool TStringBufferBase<Char>::Reserve(u32 size) {
   if (size <= capacity) return true;
   const u64 rounded = (u64(size) + kHeapStep - 1) & ~(kHeapStep - 1);
   if (rounded > UINT32_MAX) return false;
@@ -49,7 +49,7 @@ bool CStringBuffer<Char>::Reserve(u32 size) {
 }
 
 template <class Char>
-void CStringBuffer<Char>::Clear(bool release) {
+void TStringBufferBase<Char>::Clear(bool release) {
   if (!release) {
     if (text && text != SharedEmpty()) text[0] = 0;
     length = 0;
@@ -62,7 +62,7 @@ void CStringBuffer<Char>::Clear(bool release) {
 }
 
 template <class Char>
-const Char* CStringBuffer<Char>::Assign(const Char* source) {
+const Char* TStringBufferBase<Char>::Assign(const Char* source) {
   if (!source) {
     Clear(false);
     return Text();
@@ -74,8 +74,7 @@ const Char* CStringBuffer<Char>::Assign(const Char* source) {
   return text;
 }
 
-template <class Char>
-i32 CStringBuffer<Char>::AssignWide(const char16_t* wide) requires std::same_as<Char, char> {
+i32 CStringBufferA::AssignWide(const char16_t* wide) {
   Clear(false);
   if (!wide || !wide[0]) return 0;
   const u32 needed = Utf16ToUtf8(wide, nullptr, 0);
@@ -85,8 +84,7 @@ i32 CStringBuffer<Char>::AssignWide(const char16_t* wide) requires std::same_as<
   return static_cast<i32>(length);
 }
 
-template <class Char>
-i32 CStringBuffer<Char>::FormatV(const char* format, va_list args) requires std::same_as<Char, char> {
+i32 CStringBufferA::FormatV(const char* format, va_list args) {
   va_list measure;
   va_copy(measure, args);
   const int n = std::vsnprintf(nullptr, 0, format, measure);
@@ -100,9 +98,7 @@ i32 CStringBuffer<Char>::FormatV(const char* format, va_list args) requires std:
   return static_cast<i32>(length);
 }
 
-template <class Char>
-i32 CStringBuffer<Char>::AppendFormatV(const char* format, va_list args)
-  requires std::same_as<Char, char> {
+i32 CStringBufferA::AppendFormatV(const char* format, va_list args) {
   va_list measure;
   va_copy(measure, args);
   const int n = std::vsnprintf(nullptr, 0, format, measure);
@@ -115,8 +111,7 @@ i32 CStringBuffer<Char>::AppendFormatV(const char* format, va_list args)
   return static_cast<i32>(length);
 }
 
-template <class Char>
-i32 CStringBuffer<Char>::Format(const char* format, ...) requires std::same_as<Char, char> {
+i32 CStringBufferA::Format(const char* format, ...) {
   va_list args;
   va_start(args, format);
   const i32 result = FormatV(format, args);
@@ -124,8 +119,7 @@ i32 CStringBuffer<Char>::Format(const char* format, ...) requires std::same_as<C
   return result;
 }
 
-template <class Char>
-i32 CStringBuffer<Char>::AppendFormat(const char* format, ...) requires std::same_as<Char, char> {
+i32 CStringBufferA::AppendFormat(const char* format, ...) {
   va_list args;
   va_start(args, format);
   const i32 result = AppendFormatV(format, args);
@@ -133,5 +127,5 @@ i32 CStringBuffer<Char>::AppendFormat(const char* format, ...) requires std::sam
   return result;
 }
 
-template class CStringBuffer<char>;
-template class CStringBuffer<char16_t>;
+template class TStringBufferBase<char>;
+template class TStringBufferBase<char16_t>;

@@ -2,6 +2,7 @@
 
 #include <concepts>
 #include <cstdarg>
+#include <type_traits>
 
 #include "core/types.h"
 
@@ -10,12 +11,12 @@
 // that the buffer owns alone. `capacity` counts characters with the NUL; `length` those before it.
 // Helpers take the size-free base; callers pick the inline size.
 template <class Char>
-class CStringBuffer {
+class TStringBufferBase {
  public:
-  CStringBuffer() = default;
-  CStringBuffer(const CStringBuffer&) = delete;
-  CStringBuffer& operator=(const CStringBuffer&) = delete;
-  virtual ~CStringBuffer();
+  TStringBufferBase() = default;
+  TStringBufferBase(const TStringBufferBase&) = delete;
+  TStringBufferBase& operator=(const TStringBufferBase&) = delete;
+  virtual ~TStringBufferBase();
 
   // Room for `size` characters, NUL included, keeping the text. Heap stores grow in steps of 256.
   // False when memory is refused; the buffer is then as it was.
@@ -38,14 +39,6 @@ class CStringBuffer {
   // Copies `source`; null empties the buffer. `source` must not lie inside this buffer.
   const Char* Assign(const Char* source);
 
-  // UTF-16 to UTF-8; gives the length in bytes.
-  i32 AssignWide(const char16_t* wide) requires std::same_as<Char, char>;
-  [[gnu::format(printf, 2, 3)]] i32 Format(const char* format, ...) requires std::same_as<Char, char>;
-  [[gnu::format(printf, 2, 3)]] i32 AppendFormat(const char* format, ...)
-    requires std::same_as<Char, char>;
-  i32 FormatV(const char* format, va_list args) requires std::same_as<Char, char>;
-  i32 AppendFormatV(const char* format, va_list args) requires std::same_as<Char, char>;
-
  protected:
   // Process-wide and zero-filled; only ever read.
   static Char* SharedEmpty();
@@ -55,13 +48,30 @@ class CStringBuffer {
   u32 length = 0;
 };
 
+// The narrow working string adds formatting and the conversion from wide text.
+class CStringBufferA : public TStringBufferBase<char> {
+ public:
+  // UTF-16 to UTF-8; gives the length in bytes.
+  i32 AssignWide(const char16_t* wide);
+  // printf conventions; both give the new length.
+  [[gnu::format(printf, 2, 3)]] i32 Format(const char* format, ...);
+  [[gnu::format(printf, 2, 3)]] i32 AppendFormat(const char* format, ...);
+  i32 FormatV(const char* format, va_list args);
+  i32 AppendFormatV(const char* format, va_list args);
+};
+
+class CStringBufferW : public TStringBufferBase<char16_t> {};
+
+template <class Char>
+using StringBufferOf = std::conditional_t<std::same_as<Char, char>, CStringBufferA, CStringBufferW>;
+
 // A working string with an inline store of N characters (NUL included). It stays inline until a
 // request passes N, and once on the heap it stays there until Clear(true) or destruction. While
 // inline, `capacity` holds the last size asked for, not N.
 template <class Char, u32 N>
-class TStringBuffer final : public CStringBuffer<Char> {
+class TStringBuffer final : public StringBufferOf<Char> {
   static_assert(N > 0);
-  using Base = CStringBuffer<Char>;
+  using Base = TStringBufferBase<Char>;
 
  public:
   TStringBuffer() = default;
@@ -77,15 +87,13 @@ class TStringBuffer final : public CStringBuffer<Char> {
   Char inlineText[N];
 };
 
-using CStringBufferA = CStringBuffer<char>;
-using CStringBufferW = CStringBuffer<char16_t>;
 template <u32 N>
 using TStringBufferA = TStringBuffer<char, N>;
 template <u32 N>
 using TStringBufferW = TStringBuffer<char16_t, N>;
 
-extern template class CStringBuffer<char>;
-extern template class CStringBuffer<char16_t>;
+extern template class TStringBufferBase<char>;
+extern template class TStringBufferBase<char16_t>;
 
 template <class Char, u32 N>
 bool TStringBuffer<Char, N>::Reserve(u32 size) {

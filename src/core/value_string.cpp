@@ -6,7 +6,7 @@
 #include "core/utf8.h"
 
 template <class Char>
-bool CStringT<Char>::Grow(u32 n) {
+bool TStringValue<Char>::Grow(u32 n) {
   if (!(flags & kOwned) && n < kInlineLimit) {
     flags &= ~kBorrowed;
     return true;
@@ -35,7 +35,7 @@ bool CStringT<Char>::Grow(u32 n) {
 }
 
 template <class Char>
-bool CStringT<Char>::Assign(const Char* text) {
+bool TStringValue<Char>::Assign(const Char* text) {
   // Nothing of a borrowed text survives; `text` itself is still read from where it lies.
   flags &= ~kBorrowed;
   static constexpr Char kEmpty[1] = {};
@@ -51,7 +51,7 @@ bool CStringT<Char>::Assign(const Char* text) {
 }
 
 template <class Char>
-bool CStringT<Char>::CopyFrom(const CStringT& other) {
+bool TStringValue<Char>::CopyFrom(const TStringValue& other) {
   if (this == &other) return true;
   if (!(flags & kOwned) && (other.flags & kBorrowed)) {
     store.pointer = other.store.pointer;
@@ -67,7 +67,7 @@ bool CStringT<Char>::CopyFrom(const CStringT& other) {
 }
 
 template <class Char>
-void CStringT<Char>::MoveFrom(CStringT& other) {
+void TStringValue<Char>::MoveFrom(TStringValue& other) {
   if (this == &other) return;
   if (flags & kOwned) {
     std::swap(store, other.store);
@@ -83,38 +83,26 @@ void CStringT<Char>::MoveFrom(CStringT& other) {
 }
 
 template <class Char>
-void CStringT<Char>::Borrow(const Char* text) {
+void TStringValue<Char>::Borrow(const Char* text) {
   Reset();
   store.pointer = const_cast<Char*>(text);
   flags |= kBorrowed;
 }
 
 template <class Char>
-void CStringT<Char>::Reset() {
-  if (flags & kOwned) MemFree(Header());
-  flags &= ~kFormBits;
-  store.inlineText[0] = 0;
+void TStringValue<Char>::FreeBlock() {
+  MemFree(Header());
 }
 
-template <class Char>
-bool CStringT<Char>::AssignWide(const char16_t* wide) requires std::same_as<Char, char> {
-  Reset();
-  if (!wide || !wide[0]) return true;
-  const u32 needed = Utf16ToUtf8(wide, nullptr, 0);
-  if (!Grow(needed)) return false;
-  Utf16ToUtf8(wide, MutableText(), needed);
-  return true;
+template class TStringValue<char>;
+template class TStringValue<char16_t>;
+
+bool CStringA::AssignWide(const char16_t* wide) {
+  const u32 needed = wide ? Utf16ToUtf8(wide, nullptr, 0) : 0;
+  return AssignConverted(needed, [&](char* dest, u32 capacity) { Utf16ToUtf8(wide, dest, capacity); });
 }
 
-template <class Char>
-bool CStringT<Char>::AssignNarrow(const char* narrow) requires std::same_as<Char, char16_t> {
-  Reset();
-  if (!narrow || !narrow[0]) return true;
-  const u32 needed = Utf8ToUtf16(narrow, nullptr, 0);
-  if (!Grow(needed)) return false;
-  Utf8ToUtf16(narrow, MutableText(), needed);
-  return true;
+bool CStringW::AssignNarrow(const char* narrow) {
+  const u32 needed = narrow ? Utf8ToUtf16(narrow, nullptr, 0) : 0;
+  return AssignConverted(needed, [&](char16_t* dest, u32 capacity) { Utf8ToUtf16(narrow, dest, capacity); });
 }
-
-template class CStringT<char>;
-template class CStringT<char16_t>;

@@ -16,20 +16,20 @@
 //   string (and any copy of it) must not be read after that text dies. Lookup keys are built so.
 // All-zero is a valid empty inline string.
 template <class Char>
-class CStringT {
+class TStringValue {
  public:
-  CStringT() { store.inlineText[0] = 0; }
-  CStringT(const CStringT& other) : CStringT() { (void)CopyFrom(other); }
-  CStringT(CStringT&& other) noexcept : CStringT() { MoveFrom(other); }
-  CStringT& operator=(const CStringT& other) {
+  TStringValue() { store.inlineText[0] = 0; }
+  TStringValue(const TStringValue& other) : TStringValue() { (void)CopyFrom(other); }
+  TStringValue(TStringValue&& other) noexcept : TStringValue() { MoveFrom(other); }
+  TStringValue& operator=(const TStringValue& other) {
     (void)CopyFrom(other);
     return *this;
   }
-  CStringT& operator=(CStringT&& other) noexcept {
+  TStringValue& operator=(TStringValue&& other) noexcept {
     MoveFrom(other);
     return *this;
   }
-  ~CStringT() { Reset(); }
+  ~TStringValue() { Reset(); }
 
   // Never null.
   const Char* Text() const { return (flags & kFormBits) ? store.pointer : store.inlineText; }
@@ -38,23 +38,35 @@ class CStringT {
   // empty.
   [[nodiscard]] bool Assign(const Char* text);
   // Inline and borrowed sources are copied by their bytes or pointer; owned ones deeply.
-  [[nodiscard]] bool CopyFrom(const CStringT& other);
+  [[nodiscard]] bool CopyFrom(const TStringValue& other);
   // Takes over `other`'s form and text and leaves it empty. Over an owned string the two exchange,
   // so the source ends up holding (and later freeing) the old block.
-  void MoveFrom(CStringT& other);
+  void MoveFrom(TStringValue& other);
   // Points at `text` without copying or measuring it.
   void Borrow(const Char* text);
-  void Reset();
+  void Reset() {
+    if (flags & kOwned) FreeBlock();
+    flags &= ~kFormBits;
+    store.inlineText[0] = 0;
+  }
   // Prepares the store for `n` characters; the caller writes the whole text right after.
   [[nodiscard]] bool Grow(u32 n);
-
-  [[nodiscard]] bool AssignWide(const char16_t* wide) requires std::same_as<Char, char>;
-  [[nodiscard]] bool AssignNarrow(const char* narrow) requires std::same_as<Char, char16_t>;
 
   bool IsOwned() const { return flags & kOwned; }
   bool IsBorrowed() const { return flags & kBorrowed; }
   u32 BlockCapacity() const { return IsOwned() ? Header()->blockCapacity : 0; }
   u32 BlockLength() const { return IsOwned() ? Header()->blockLength : 0; }
+
+ protected:
+  // Conversion from the other width into this string; `needed` counts the NUL.
+  template <class Convert>
+  [[nodiscard]] bool AssignConverted(u32 needed, Convert convert) {
+    Reset();
+    if (needed <= 1) return true;
+    if (!Grow(needed)) return false;
+    convert(MutableText(), needed);
+    return true;
+  }
 
  private:
   static constexpr u32 kOwned = 1;
@@ -73,6 +85,7 @@ class CStringT {
   BlockHeader* Header() const {
     return reinterpret_cast<BlockHeader*>(reinterpret_cast<char*>(store.pointer) - sizeof(BlockHeader));
   }
+  void FreeBlock();
   Char* MutableText() { return (flags & kFormBits) ? store.pointer : store.inlineText; }
 
   union Store {
@@ -83,11 +96,22 @@ class CStringT {
   u32 flags = 0;
 };
 
-using CStringA = CStringT<char>;
-using CStringW = CStringT<char16_t>;
+extern template class TStringValue<char>;
+extern template class TStringValue<char16_t>;
 
-extern template class CStringT<char>;
-extern template class CStringT<char16_t>;
+// The narrow form: keys of the pack and rig tables, names in models and rigs.
+class CStringA : public TStringValue<char> {
+ public:
+  // UTF-16 to UTF-8. False when memory is refused; the string is then empty.
+  [[nodiscard]] bool AssignWide(const char16_t* wide);
+};
+
+// The wide form: paths of file streams.
+class CStringW : public TStringValue<char16_t> {
+ public:
+  // UTF-8 to UTF-16. False when memory is refused; the string is then empty.
+  [[nodiscard]] bool AssignNarrow(const char* narrow);
+};
 
 // Equal when the same object, both borrowing the same pointer, or equal byte for byte.
 inline bool KeysEqual(const CStringA& a, const CStringA& b) {
