@@ -8,15 +8,27 @@ constexpr u32 kReplacement = 0xFFFD;
 
 u32 AsciiLower(u32 c) { return (c >= 'A' && c <= 'Z') ? c + ('a' - 'A') : c; }
 
-// One UTF-8 step: the code point at `p` and where the next one starts.
+bool IsWildcard(u32 c) { return c == '*' || c == '?' || c == '#'; }
+
+// One UTF-8 step: the code point at `p` and where the next one starts. ASCII, nearly all of a
+// name, takes no call.
 struct Cursor {
   const char* p;
   u32 code = 0;
   u32 size = 0;
-  explicit Cursor(const char* text) : p(text) { code = DecodeUtf8(p, size); }
+  explicit Cursor(const char* text) : p(text) { Decode(); }
   void Step() {
     p += size;
-    code = DecodeUtf8(p, size);
+    Decode();
+  }
+  void Decode() {
+    const auto lead = static_cast<unsigned char>(*p);
+    if (lead < 0x80) {
+      code = lead;
+      size = 1;
+    } else {
+      code = DecodeUtf8(p, size);
+    }
   }
 };
 
@@ -76,8 +88,10 @@ bool WildcardMatch(const char* text, const char* pattern) {
         if (p.code == 0) return true;
         if (c.code == 0) return false;
         // One level of recursion per star: try the rest of the pattern at each place in the text.
-        for (;;) {
-          if (WildcardMatch(c.p, p.p)) return true;
+        // Where the rest starts with a plain character, a place that doesn't hold it would fail
+        // at the first comparison, so it isn't tried.
+        for (const u32 first = AsciiLower(p.code);;) {
+          if ((IsWildcard(first) || AsciiLower(c.code) == first) && WildcardMatch(c.p, p.p)) return true;
           if (c.code == 0) return false;
           c.Step();
         }
