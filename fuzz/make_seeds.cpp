@@ -1,39 +1,38 @@
-// Writes the seed corpus of the fuzz targets from the test writers: `make_seeds DIR`.
+// Writes the seed corpus of one fuzz target: `make_seeds TARGET DIR`.
 #include <cstdio>
-#include <string>
-#include <vector>
+#include <cstring>
 
-#include "support/pack_writer.h"
+#include "seeds.h"
 #include "support/temp_dir.h"
 
-using testsupport::PackLayout;
+namespace {
+
+struct Target {
+  const char* name;
+  Seeds (*make)();
+};
+
+constexpr Target kTargets[] = {
+    {"pack_directory", &PackDirectorySeeds},
+    {"model", &ModelSeeds},
+    {"palette", &PaletteSeeds},
+    {"rig_network", &RigNetworkSeeds},
+};
+
+}  // namespace
 
 int main(int argc, char** argv) {
-  if (argc != 2) {
-    std::fprintf(stderr, "usage: make_seeds DIR\n");
+  if (argc != 3) {
+    std::fprintf(stderr, "usage: make_seeds TARGET DIR\n");
     return 2;
   }
-  const std::string dir = argv[1];
-  std::vector<std::pair<std::string, std::string>> seeds;
-
-  seeds.push_back({"single", testsupport::BuildPack(testsupport::SingleChunkPack({{"materials_3.xml", "<x/>"}, {"a.adr", "a"}}))});
-
-  PackLayout chunks;
-  chunks.chunks.push_back({.entries = {{.name = "chars\\hero.adr", .data = "hero"}, {.name = "dup", .data = "1"}}});
-  chunks.chunks.push_back({});
-  chunks.chunks.push_back({.entries = {{.name = "dup", .data = "2"}, {.name = "rigs\\hero.mrn", .data = "rig"}}});
-  chunks.placement = testsupport::DataPlacement::AfterEachChunk;
-  seeds.push_back({"chunks", testsupport::BuildPack(chunks)});
-
-  PackLayout loop = testsupport::SingleChunkPack({{"a", "1"}});
-  loop.chunks.push_back({.entries = {{.name = "b", .data = "2"}}, .nextChunk = 25});
-  seeds.push_back({"loop", testsupport::BuildPack(loop)});
-
-  const std::string second = testsupport::BuildPack(testsupport::SingleChunkPack({{"dup", "later"}, {"z", ""}}));
-  seeds.push_back({"two_packs", testsupport::BuildPack(chunks) + "@@PACK@@" + second});
-
-  for (const auto& [name, bytes] : seeds) {
-    if (!testsupport::WriteFileBytes(dir + "/" + name, bytes)) return 1;
+  for (const Target& target : kTargets) {
+    if (std::strcmp(target.name, argv[1]) != 0) continue;
+    for (const auto& [name, bytes] : target.make()) {
+      if (!testsupport::WriteFileBytes(std::string(argv[2]) + "/" + name, bytes)) return 1;
+    }
+    return 0;
   }
-  return 0;
+  std::fprintf(stderr, "make_seeds: no target %s\n", argv[1]);
+  return 2;
 }

@@ -1,0 +1,4 @@
+#include "seeds.h"
+
+Seeds ModelSeeds() { return {}; }
+Seeds PaletteSeeds() { return {}; }

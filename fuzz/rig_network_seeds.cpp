@@ -1,0 +1,3 @@
+#include "seeds.h"
+
+Seeds RigNetworkSeeds() { return {}; }

@@ -1,0 +1,13 @@
+#pragma once
+
+#include <string>
+#include <utility>
+#include <vector>
+
+// Seed files for one fuzz target: (file name, bytes), made with the writers of tests/support.
+using Seeds = std::vector<std::pair<std::string, std::string>>;
+
+Seeds PackDirectorySeeds();
+Seeds ModelSeeds();
+Seeds PaletteSeeds();
+Seeds RigNetworkSeeds();
