@@ -11,6 +11,8 @@ namespace {
 // Seeks take a signed 32-bit distance from the start of a pack, so chunks and data lie below 2 GiB.
 constexpr u32 kMaxFileOffset = 0x7FFFFFFF;
 constexpr u32 kLastPackNumber = 0xFFFFFFFF;
+constexpr u32 kChunkHeaderSize = 8;
+constexpr u32 kEntryFixedSize = 16;
 
 // Brent's cycle finding over the chunk chain: no memory per chunk, and a chain that comes back to a
 // chunk already read is caught within a few laps.
@@ -38,6 +40,7 @@ class ChainLoopCheck {
 
 bool PackIndex::Open(const char* folder) {
   Clear();
+  if (!folder) return false;
   TStringBufferA<261> root;
   NormalizePath(folder, root);
   TStringBufferA<261> path;
@@ -73,15 +76,21 @@ bool PackIndex::Open(const char* folder) {
 bool PackIndex::ReadDirectory(const FileHandle& file, CByteBuffer& block, CStringBufferA& name) {
   BlockReader reader(file, block);
   ChainLoopCheck loopCheck;
+  // Chunks that don't overlap can't hold more directory bytes than the file. Counting them bounds
+  // a corrupt pack whose chunks reread each other's bytes, which would otherwise cost time that
+  // grows with the square of its size.
+  u64 directoryBytes = 0;
+  const auto consume = [&](u64 bytes) { return (directoryBytes += bytes) <= file.Size(); };
   u32 chunkOffset = 0;
   for (;;) {
     reader.Seek(chunkOffset);
     u32 nextChunk;
     u32 entryCount;
-    if (!reader.ReadU32BE(nextChunk) || !reader.ReadU32BE(entryCount)) return false;
+    if (!reader.ReadU32BE(nextChunk) || !reader.ReadU32BE(entryCount) || !consume(kChunkHeaderSize)) return false;
     for (u32 e = 0; e < entryCount; ++e) {
       u32 nameLength;
       if (!reader.ReadU32BE(nameLength) || nameLength == UINT32_MAX) return false;
+      if (!consume(u64(kEntryFixedSize) + nameLength)) return false;
       const u8* nameBytes = reader.Take(nameLength);
       if (!nameBytes || !name.Reserve(nameLength + 1)) return false;
       std::memcpy(name.Data(), nameBytes, nameLength);
@@ -124,7 +133,7 @@ void PackIndex::Clear() {
 }
 
 const PackEntry* PackIndex::Find(const char* name) const {
-  if (entries.Capacity() == 0) return nullptr;
+  if (!name || entries.Capacity() == 0) return nullptr;
   CStringA probe;
   probe.Borrow(name);
   const u32 found = entries.Find(probe);

@@ -116,7 +116,17 @@ TEST_F(PackIndexTest, BrokenDirectoriesEmptyTheWholeIndex) {
     change(layout.chunks[0]);
     return layout;
   };
+  // Chunks 16 bytes apart whose entries are read from the chunks after them: every chunk is new and
+  // every read lies in the file (a last, unchained chunk pads it), yet the directory would be read
+  // over and over, for a time that grows with the square of the file's size.
+  PackLayout overlapping;
+  const u32 records = 4096;
+  for (u32 j = 0; j < records; ++j) {
+    overlapping.chunks.push_back({.at = 16 * j, .nextChunk = j + 1 < records ? 16 * (j + 1) : 0, .entryCount = records / 2});
+  }
+  overlapping.chunks.push_back({.at = 16 * records * 2});
   const std::pair<const char*, PackLayout> cases[] = {
+      {"chunks whose entries overlap", overlapping},
       {"chain back to a chunk already read", withChunks(3, 25)},
       {"chunk names itself as next", withChunks(2, 25)},
       {"next chunk at 2 GiB", withChunks(1, 0x80000000)},
