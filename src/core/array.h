@@ -20,6 +20,20 @@ class TArray {
   TArray() = default;
   TArray(const TArray&) = delete;
   TArray& operator=(const TArray&) = delete;
+  // Moving hands the block over, so arrays nest inside the elements of other arrays and tables.
+  TArray(TArray&& other) noexcept : data(other.data), count(other.count), capacity(other.capacity) {
+    other.data = nullptr;
+    other.count = other.capacity = 0;
+  }
+  TArray& operator=(TArray&& other) noexcept {
+    if (this != &other) {
+      Release();
+      std::swap(data, other.data);
+      std::swap(count, other.count);
+      std::swap(capacity, other.capacity);
+    }
+    return *this;
+  }
   ~TArray() { Release(); }
 
   u32 Count() const { return count; }

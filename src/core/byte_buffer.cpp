@@ -1,6 +1,7 @@
 #include "core/byte_buffer.h"
 
 #include <cstring>
+#include <utility>
 
 #include "core/memory_hooks.h"
 
@@ -13,6 +14,23 @@ CByteBuffer& CByteBuffer::operator=(const CByteBuffer& other) {
   Release();
   granule = other.granule;
   if (SetSize(other.size) && size) std::memcpy(data, other.data, size);
+  return *this;
+}
+
+CByteBuffer::CByteBuffer(CByteBuffer&& other) noexcept
+    : granule(other.granule), size(other.size), capacity(other.capacity), data(other.data) {
+  other.size = other.capacity = 0;
+  other.data = nullptr;
+}
+
+CByteBuffer& CByteBuffer::operator=(CByteBuffer&& other) noexcept {
+  if (this != &other) {
+    Release();
+    granule = other.granule;
+    std::swap(size, other.size);
+    std::swap(capacity, other.capacity);
+    std::swap(data, other.data);
+  }
   return *this;
 }
 

@@ -11,6 +11,8 @@ class CByteBuffer {
   explicit CByteBuffer(u32 step = kDefaultGranule) : granule(step ? step : kDefaultGranule) {}
   CByteBuffer(const CByteBuffer& other);
   CByteBuffer& operator=(const CByteBuffer& other);
+  CByteBuffer(CByteBuffer&& other) noexcept;
+  CByteBuffer& operator=(CByteBuffer&& other) noexcept;
   ~CByteBuffer() { Release(); }
 
   // Capacity for `n` bytes, rounded up to the granule; `size` stays. False when memory is refused

@@ -76,6 +76,15 @@ class TStringBuffer final : public StringBufferOf<Char> {
  public:
   TStringBuffer() = default;
   explicit TStringBuffer(const Char* source) { this->Assign(source); }
+  // A heap store changes hands; an inline text is copied, which needs no memory.
+  TStringBuffer(TStringBuffer&& other) noexcept { TakeFrom(other); }
+  TStringBuffer& operator=(TStringBuffer&& other) noexcept {
+    if (this != &other) {
+      Clear(true);
+      TakeFrom(other);
+    }
+    return *this;
+  }
   ~TStringBuffer() override {
     if (this->text == inlineText) this->text = Base::SharedEmpty();
   }
@@ -84,6 +93,19 @@ class TStringBuffer final : public StringBufferOf<Char> {
   void Clear(bool release) override;
 
  private:
+  void TakeFrom(TStringBuffer& other) {
+    if (other.text == other.inlineText) {
+      for (u32 i = 0; i <= other.length; ++i) inlineText[i] = other.inlineText[i];
+      this->text = inlineText;
+    } else {
+      this->text = other.text;
+    }
+    this->capacity = other.capacity;
+    this->length = other.length;
+    other.text = Base::SharedEmpty();
+    other.capacity = other.length = 0;
+  }
+
   Char inlineText[N];
 };
 
