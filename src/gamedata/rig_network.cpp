@@ -406,16 +406,6 @@ bool ReadChunks(RigNetwork& network, const CByteBuffer& bytes) {
   return !haveDefinition || ReadOtherNames(definitionView, network);
 }
 
-// TArray's three fields point at nothing inside the array, and all-zero is a valid empty array, so
-// a move takes the bytes and leaves the source zero.
-template <class T>
-void Relocate(TArray<T>& to, TArray<T>& from) {
-  if (&to == &from) return;
-  to.Release();
-  std::memcpy(static_cast<void*>(&to), static_cast<const void*>(&from), sizeof(TArray<T>));
-  std::memset(static_cast<void*>(&from), 0, sizeof(TArray<T>));
-}
-
 void Empty(RigNetwork& network) {
   network.rigs.Release();
   network.animSetNames.Release();
@@ -424,24 +414,6 @@ void Empty(RigNetwork& network) {
 }
 
 }  // namespace
-
-RigSkeleton::RigSkeleton(RigSkeleton&& other) noexcept : id(other.id) { Relocate(bones, other.bones); }
-
-RigSkeleton& RigSkeleton::operator=(RigSkeleton&& other) noexcept {
-  Relocate(bones, other.bones);
-  id = other.id;
-  return *this;
-}
-
-RigNetwork::RigNetwork(RigNetwork&& other) noexcept { *this = std::move(other); }
-
-RigNetwork& RigNetwork::operator=(RigNetwork&& other) noexcept {
-  Relocate(rigs, other.rigs);
-  Relocate(animSetNames, other.animSetNames);
-  Relocate(tableNames, other.tableNames);
-  Relocate(flaggedNodeNames, other.flaggedNodeNames);
-  return *this;
-}
 
 bool IsRigNetwork(const CByteBuffer& bytes) {
   if (bytes.Size() < sizeof(ChunkHeader)) return false;

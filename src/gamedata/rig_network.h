@@ -16,13 +16,7 @@ struct RigBone {
   u32 index = 0;  // the bone's own number: its place in `bones`
 };
 
-// TArray has no move of its own, but the records of a network live in arrays and hash maps that
-// move their elements; these two records move their arrays by relocation (see the .cpp).
 struct RigSkeleton {
-  RigSkeleton() = default;
-  RigSkeleton(RigSkeleton&& other) noexcept;
-  RigSkeleton& operator=(RigSkeleton&& other) noexcept;
-
   TArray<RigBone> bones;
   u32 id = 0;  // the id of the chunk the rig came from; animation sets name their rig by it
 };
@@ -34,10 +28,6 @@ struct AnimSetName {
 
 // The parts of a rig network file that the export uses. All-empty after a failed Read.
 struct RigNetwork {
-  RigNetwork() = default;
-  RigNetwork(RigNetwork&& other) noexcept;
-  RigNetwork& operator=(RigNetwork&& other) noexcept;
-
   TArray<RigSkeleton> rigs;           // one per rig chunk, in file order
   TArray<AnimSetName> animSetNames;   // in set order
   TArray<CStringA> tableNames;        // kept, not used
