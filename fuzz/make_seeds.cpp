@@ -17,6 +17,8 @@ constexpr Target kTargets[] = {
     {"model", &ModelSeeds},
     {"palette", &PaletteSeeds},
     {"rig_network", &RigNetworkSeeds},
+    {"catalogue", &CatalogueSeeds},
+    {"actor", &ActorSeeds},
 };
 
 }  // namespace

@@ -11,3 +11,5 @@ Seeds PackDirectorySeeds();
 Seeds ModelSeeds();
 Seeds PaletteSeeds();
 Seeds RigNetworkSeeds();
+Seeds CatalogueSeeds();
+Seeds ActorSeeds();
