@@ -26,7 +26,9 @@ struct Loaded {
 std::string QualifiedNames(IXMLData* record) {
   std::string out = record->GetQualifiedName();
   for (IXMLData* child = record->GetFirstChild(); child; child = child->GetNextSibling()) {
-    if (child->GetNodeType() == kXMLElement) out += " " + QualifiedNames(child);
+    if (child->GetNodeType() != kXMLElement) continue;
+    out += ' ';
+    out += QualifiedNames(child);
   }
   return out;
 }
