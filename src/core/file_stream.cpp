@@ -50,17 +50,6 @@ bool CFileStream::Open(const char16_t* newPath) {
   return file.Open(narrow.Text());
 }
 
-HResult CFileStream::QueryInterface(InterfaceId id, void** object) {
-  if (!object) return E_POINTER;
-  if (id != InterfaceId::Stream && id != InterfaceId::Unknown) {
-    *object = nullptr;
-    return E_NOINTERFACE;
-  }
-  *object = static_cast<IStream*>(this);
-  AddRef();
-  return S_OK;
-}
-
 u32 CFileStream::Release() {
   const u32 left = --refCount;
   if (left == 0) MemDelete(this);

@@ -22,7 +22,7 @@ class CFileStream final : public IStream {
   // Closes any open file, makes the folders above `path` and opens it for reading.
   [[nodiscard]] bool Open(const char16_t* path);
 
-  HResult QueryInterface(InterfaceId id, void** object) override;
+  HResult QueryInterface(InterfaceId id, void** object) override { return QueryStreamInterface(this, id, object); }
   u32 AddRef() override { return ++refCount; }
   u32 Release() override;
   HResult Read(void* buffer, u32 count, u32* got) override;

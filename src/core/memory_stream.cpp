@@ -2,17 +2,6 @@
 
 #include <cstring>
 
-HResult CMemoryStream::QueryInterface(InterfaceId id, void** object) {
-  if (!object) return E_POINTER;
-  if (id != InterfaceId::Stream && id != InterfaceId::Unknown) {
-    *object = nullptr;
-    return E_NOINTERFACE;
-  }
-  *object = static_cast<IStream*>(this);
-  AddRef();
-  return S_OK;
-}
-
 // A memory stream is always a local object of its reader, which keeps the first reference, so the
 // count never frees it.
 u32 CMemoryStream::Release() { return refCount ? --refCount : 0; }

@@ -14,7 +14,7 @@ class CMemoryStream final : public IStream {
   CMemoryStream& operator=(const CMemoryStream&) = delete;
   ~CMemoryStream() override = default;
 
-  HResult QueryInterface(InterfaceId id, void** object) override;
+  HResult QueryInterface(InterfaceId id, void** object) override { return QueryStreamInterface(this, id, object); }
   u32 AddRef() override { return ++refCount; }
   u32 Release() override;
   HResult Read(void* buffer, u32 count, u32* got) override;

@@ -38,6 +38,12 @@ struct StreamStat {
   u32 mode = 0;
 };
 
+class IStream;
+
+// QueryInterface of both streams: the stream itself, with one more reference, for the stream and
+// base interfaces; anything else, the sequential one included, is refused.
+HResult QueryStreamInterface(IStream* self, InterfaceId id, void** object);
+
 class IStream {
  public:
   virtual HResult QueryInterface(InterfaceId id, void** object) = 0;
@@ -59,3 +65,14 @@ class IStream {
   // Streams end through Release.
   virtual ~IStream() = default;
 };
+
+inline HResult QueryStreamInterface(IStream* self, InterfaceId id, void** object) {
+  if (!object) return E_POINTER;
+  if (id != InterfaceId::Stream && id != InterfaceId::Unknown) {
+    *object = nullptr;
+    return E_NOINTERFACE;
+  }
+  *object = self;
+  self->AddRef();
+  return S_OK;
+}

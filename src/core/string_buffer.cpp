@@ -14,6 +14,15 @@ constinit char16_t gSharedEmptyW[1] = {};
 
 constexpr u64 kHeapStep = 256;
 
+// Characters that `format` gives with `args`, or a negative number for a bad format.
+int MeasureFormat(const char* format, va_list args) {
+  va_list measure;
+  va_copy(measure, args);
+  const int n = std::vsnprintf(nullptr, 0, format, measure);
+  va_end(measure);
+  return n;
+}
+
 }  // namespace
 
 template <class Char>
@@ -85,10 +94,7 @@ i32 CStringBufferA::AssignWide(const char16_t* wide) {
 }
 
 i32 CStringBufferA::FormatV(const char* format, va_list args) {
-  va_list measure;
-  va_copy(measure, args);
-  const int n = std::vsnprintf(nullptr, 0, format, measure);
-  va_end(measure);
+  const int n = MeasureFormat(format, args);
   if (n > 0 && Reserve(static_cast<u32>(n) + 1)) {
     std::vsnprintf(text, static_cast<size_t>(n) + 1, format, args);
     length = static_cast<u32>(n);
@@ -99,10 +105,7 @@ i32 CStringBufferA::FormatV(const char* format, va_list args) {
 }
 
 i32 CStringBufferA::AppendFormatV(const char* format, va_list args) {
-  va_list measure;
-  va_copy(measure, args);
-  const int n = std::vsnprintf(nullptr, 0, format, measure);
-  va_end(measure);
+  const int n = MeasureFormat(format, args);
   const u64 total = u64(length) + 1 + u64(n > 0 ? n : 0);
   if (n > 0 && total <= UINT32_MAX && Reserve(static_cast<u32>(total))) {
     std::vsnprintf(text + length, static_cast<size_t>(n) + 1, format, args);
