@@ -12,13 +12,13 @@ constexpr u32 kSets = 40;
 
 // A character-sized rig: 300 bones in branches of ten, forty animation sets, a few dozen nodes.
 CByteBuffer RigFile() {
-  testsupport::RigSpec rig;
+  testsupport::RigLayout rig;
   for (u32 i = 0; i < kBones; ++i) {
     const f32 f = f32(i);
     rig.bones.push_back({.name = "skeleton_bone_" + std::to_string(i), .parent = i % 10 ? i32(i) - 1 : i32(i / 10) - 1,
                          .translation = {f, 1, 2, 1}, .rotation = {0, 0, f / kBones, 1}});
   }
-  testsupport::NetworkSpec network;
+  testsupport::NetworkLayout network;
   std::vector<u32> rigIds(kSets, 11);
   network.nodes.push_back({.typeId = 1, .flags = 0x04, .attributeWords = rigIds, .lookups = {{.typeId = 1}}});
   for (u16 n = 1; n < 48; ++n) {

@@ -3,15 +3,15 @@
 
 using testsupport::BuildRigFile;
 using testsupport::BuildRigNetwork;
-using testsupport::LookupSpec;
-using testsupport::NetworkSpec;
-using testsupport::RigNetworkSpec;
-using testsupport::RigSpec;
+using testsupport::LookupLayout;
+using testsupport::NetworkLayout;
+using testsupport::RigNetworkLayout;
+using testsupport::RigLayout;
 
 namespace {
 
-RigSpec Rig(u32 boneCount, bool forwardParent) {
-  RigSpec rig;
+RigLayout Rig(u32 boneCount, bool forwardParent) {
+  RigLayout rig;
   for (u32 i = 0; i < boneCount; ++i) {
     rig.bones.push_back({.name = "bone" + std::to_string(i), .parent = i32(i) - 1, .translation = {f32(i), 0, 1, 1}});
   }
@@ -22,15 +22,15 @@ RigSpec Rig(u32 boneCount, bool forwardParent) {
   return rig;
 }
 
-NetworkSpec Network(bool fallback) {
-  NetworkSpec network;
+NetworkLayout Network(bool fallback) {
+  NetworkLayout network;
   network.nodeNames = {"root", "other", "marked"};
   network.tableNames = {{"table"}};
   network.nodes.push_back({.typeId = 3,
                            .flags = 0x04,
                            .attributeWords = {1, 2, 1, 2},
                            .lookups = {{.typeId = fallback ? 5u : 3u, .setStride = 2, .slot = 1}}});
-  if (fallback) network.nodes[0].fallback = LookupSpec{.setStride = 1, .slot = 0};
+  if (fallback) network.nodes[0].fallback = LookupLayout{.setStride = 1, .slot = 0};
   network.nodes.push_back({.typeId = 4, .flags = 0x05, .nameIndex = 2});
   return network;
 }
@@ -39,7 +39,7 @@ NetworkSpec Network(bool fallback) {
 
 Seeds RigNetworkSeeds() {
   Seeds seeds;
-  RigNetworkSpec full{.rigs = {{.id = 1, .rig = Rig(4, false)}, {.id = 2, .rig = Rig(3, true)}},
+  RigNetworkLayout full{.rigs = {{.id = 1, .rig = Rig(4, false)}, {.id = 2, .rig = Rig(3, true)}},
                       .animSets = {{"idle", "run"}},
                       .network = Network(false)};
   seeds.push_back({"full", BuildRigNetwork(full)});

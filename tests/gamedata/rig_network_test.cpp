@@ -15,12 +15,12 @@ namespace {
 
 using testsupport::BuildRigFile;
 using testsupport::BuildRigNetwork;
-using testsupport::LookupSpec;
-using testsupport::NetworkSpec;
+using testsupport::LookupLayout;
+using testsupport::NetworkLayout;
 using testsupport::RigFileChunk;
 using testsupport::RigNetworkChunks;
-using testsupport::RigNetworkSpec;
-using testsupport::RigSpec;
+using testsupport::RigNetworkLayout;
+using testsupport::RigLayout;
 
 // Granule 1: the buffer ends exactly where the bytes do, so any overread reaches the sanitizer.
 CByteBuffer Bytes(const std::string& bytes) {
@@ -50,8 +50,8 @@ std::vector<std::string> Texts(const TArray<CStringA>& names) {
   return texts;
 }
 
-RigSpec Chain(const std::string& prefix, u32 count) {
-  RigSpec rig;
+RigLayout Chain(const std::string& prefix, u32 count) {
+  RigLayout rig;
   for (u32 i = 0; i < count; ++i) {
     const f32 f = f32(i);
     rig.bones.push_back({.name = prefix + std::to_string(i), .parent = i32(i) - 1, .translation = {f, f + 0.5f, -f, 1},
@@ -62,15 +62,15 @@ RigSpec Chain(const std::string& prefix, u32 count) {
 
 // Two rigs (the second with a parent after its child), three sets whose rig ids sit in every second
 // attribute from 1 on, a lookup of another type before the node's own, table names and flagged nodes.
-RigNetworkSpec FullNetwork() {
-  RigNetworkSpec spec;
-  spec.rigs.push_back({.id = 7, .rig = Chain("body_", 3)});
-  RigSpec forward = Chain("arm_", 3);
+RigNetworkLayout FullNetwork() {
+  RigNetworkLayout layout;
+  layout.rigs.push_back({.id = 7, .rig = Chain("body_", 3)});
+  RigLayout forward = Chain("arm_", 3);
   forward.bones[0].parent = 2;
   forward.bones[2].parent = -5;
-  spec.rigs.push_back({.id = 9, .rig = forward});
-  spec.animSets = {{"idle", "walk", "wave"}};
-  NetworkSpec network;
+  layout.rigs.push_back({.id = 9, .rig = forward});
+  layout.animSets = {{"idle", "walk", "wave"}};
+  NetworkLayout network;
   network.nodeNames = {"root", "hidden", "marked"};
   network.tableNames = {{"table_a", "table_b"}};
   network.nodes.push_back({.typeId = 40,
@@ -80,49 +80,49 @@ RigNetworkSpec FullNetwork() {
                            .lookups = {{.typeId = 41, .setStride = 1, .slot = 0}, {.typeId = 40, .setStride = 2, .slot = 1}}});
   network.nodes.push_back({.typeId = 41, .flags = 0x01, .nameIndex = 1});
   network.nodes.push_back({.typeId = 42, .flags = 0x05, .nameIndex = 2});
-  spec.network = network;
-  return spec;
+  layout.network = network;
+  return layout;
 }
 
 struct RoundTrip {
   const char* name;
-  std::function<void(RigNetworkSpec&)> change;
+  std::function<void(RigNetworkLayout&)> change;
   std::vector<u32> setIds;
   std::vector<std::string> flagged;
 };
 
 TEST(RigNetworkTest, ReadsWhatWasWritten) {
   const RoundTrip cases[] = {
-      {"own type's lookup, two rigs, forward parent", [](RigNetworkSpec&) {}, {7, 9, 7}, {"root", "marked"}},
+      {"own type's lookup, two rigs, forward parent", [](RigNetworkLayout&) {}, {7, 9, 7}, {"root", "marked"}},
       {"no lookup of the node's type: first word from the array",
-       [](RigNetworkSpec& s) {
+       [](RigNetworkLayout& s) {
          auto& node = s.network->nodes[0];
          node.lookups[1].typeId = 43;
-         node.fallback = LookupSpec{.typeId = 99, .setStride = 1, .slot = 3};
+         node.fallback = LookupLayout{.typeId = 99, .setStride = 1, .slot = 3};
        },
        {9, 0, 7},
        {"root", "marked"}},
       {"fallback with no lookups at all",
-       [](RigNetworkSpec& s) {
+       [](RigNetworkLayout& s) {
          s.network->nodes[0].lookups.clear();
-         s.network->nodes[0].fallback = LookupSpec{.setStride = 0, .slot = 5};
+         s.network->nodes[0].fallback = LookupLayout{.setStride = 0, .slot = 5};
        },
        {7, 7, 7},
        {"root", "marked"}},
-      {"definition without sets still names", [](RigNetworkSpec& s) { s.animSets.reset(); }, {}, {"root", "marked"}},
+      {"definition without sets still names", [](RigNetworkLayout& s) { s.animSets.reset(); }, {}, {"root", "marked"}},
       {"sets without definition give no names",
-       [](RigNetworkSpec& s) { s.network.reset(); },
+       [](RigNetworkLayout& s) { s.network.reset(); },
        {},
        {}},
-      {"no nodes position: no flagged names", [](RigNetworkSpec& s) { s.network->nodesPosition = 0; s.animSets.reset(); }, {}, {}},
+      {"no nodes position: no flagged names", [](RigNetworkLayout& s) { s.network->nodesPosition = 0; s.animSets.reset(); }, {}, {}},
       {"fewer flagged nodes than counted leave empty names",
-       [](RigNetworkSpec& s) { s.network->flaggedNodeCount = 3; },
+       [](RigNetworkLayout& s) { s.network->flaggedNodeCount = 3; },
        {7, 9, 7},
        {"root", "marked", ""}},
-      {"bone names past the table's count", [](RigNetworkSpec& s) { s.rigs[0].rig.nameCount = 1; }, {7, 9, 7},
+      {"bone names past the table's count", [](RigNetworkLayout& s) { s.rigs[0].rig.nameCount = 1; }, {7, 9, 7},
        {"root", "marked"}},
       {"empty rig, unaligned chunks",
-       [](RigNetworkSpec& s) {
+       [](RigNetworkLayout& s) {
          s.rigs[1].rig.bones.clear();
          s.alignment = 0;
        },
@@ -131,22 +131,22 @@ TEST(RigNetworkTest, ReadsWhatWasWritten) {
   };
   for (const RoundTrip& c : cases) {
     SCOPED_TRACE(c.name);
-    RigNetworkSpec spec = FullNetwork();
-    c.change(spec);
-    const CByteBuffer bytes = Bytes(BuildRigNetwork(spec));
+    RigNetworkLayout layout = FullNetwork();
+    c.change(layout);
+    const CByteBuffer bytes = Bytes(BuildRigNetwork(layout));
     EXPECT_TRUE(IsRigNetwork(bytes));
     RigNetwork read;
     ASSERT_TRUE(Read(read, bytes));
-    // The records move by relocation; read through the moved-to network.
+    // Networks move into the rig table; read through a moved-to one.
     RigNetwork network(std::move(read));
     EXPECT_EQ(read.rigs.Count(), 0u);
     ExpectSound(network);
 
-    ASSERT_EQ(network.rigs.Count(), spec.rigs.size());
+    ASSERT_EQ(network.rigs.Count(), layout.rigs.size());
     for (u32 r = 0; r < network.rigs.Count(); ++r) {
       const RigSkeleton& rig = network.rigs[r];
-      const RigSpec& want = spec.rigs[r].rig;
-      EXPECT_EQ(rig.id, spec.rigs[r].id);
+      const RigLayout& want = layout.rigs[r].rig;
+      EXPECT_EQ(rig.id, layout.rigs[r].id);
       ASSERT_EQ(rig.bones.Count(), want.bones.size());
       for (u32 i = 0; i < rig.bones.Count(); ++i) {
         const RigBone& bone = rig.bones[i];
@@ -165,9 +165,9 @@ TEST(RigNetworkTest, ReadsWhatWasWritten) {
     }
     EXPECT_EQ(setIds, c.setIds);
     if (!c.setIds.empty()) {
-      EXPECT_EQ(setNames, *spec.animSets);
+      EXPECT_EQ(setNames, *layout.animSets);
     }
-    const std::vector<std::string> tableNames = spec.network ? *spec.network->tableNames : std::vector<std::string>{};
+    const std::vector<std::string> tableNames = layout.network ? *layout.network->tableNames : std::vector<std::string>{};
     EXPECT_EQ(Texts(network.tableNames), tableNames);
     EXPECT_EQ(Texts(network.flaggedNodeNames), c.flagged);
   }
@@ -219,30 +219,30 @@ TEST(RigNetworkTest, WalksChunksAsLaidOut) {
 }
 
 TEST(RigNetworkTest, RejectsWhatDoesNotAddUp) {
-  using Change = std::function<void(RigNetworkSpec&)>;
+  using Change = std::function<void(RigNetworkLayout&)>;
   const std::pair<const char*, Change> cases[] = {
-      {"huge boneCount", [](RigNetworkSpec& s) { s.rigs[0].rig.boneCount = 0x10000000; }},
-      {"one channel", [](RigNetworkSpec& s) { s.rigs[0].rig.channelCount = 1; }},
-      {"parent not below boneCount", [](RigNetworkSpec& s) { s.rigs[0].rig.bones[1].parent = 3; }},
-      {"own parent", [](RigNetworkSpec& s) { s.rigs[0].rig.bones[2].parent = 2; }},
-      {"cycle of parents", [](RigNetworkSpec& s) { s.rigs[1].rig.bones[2].parent = 1; }},  // 0 -> 2 -> 1 -> 0
-      {"hierarchy outside", [](RigNetworkSpec& s) { s.rigs[0].rig.hierarchy = 0xFFFFFFF0; }},
-      {"pose outside", [](RigNetworkSpec& s) { s.rigs[1].rig.pose = 0x7FFFFFFF; }},
-      {"bone names outside", [](RigNetworkSpec& s) { s.rigs[0].rig.boneNames = 0xFFFFFFFF; }},
-      {"huge name count", [](RigNetworkSpec& s) { s.rigs[0].rig.nameCount = 0x40000000; }},
-      {"more flagged nodes than counted", [](RigNetworkSpec& s) { s.network->flaggedNodeCount = 1; }},
-      {"flagged count above node count", [](RigNetworkSpec& s) { s.network->flaggedNodeCount = 0x20000000; }},
-      {"huge node count", [](RigNetworkSpec& s) { s.network->nodeCount = 0x20000000; }},
-      {"sets but no nodes", [](RigNetworkSpec& s) { s.network->nodeCount = 0; }},
-      {"set's attribute outside", [](RigNetworkSpec& s) { s.network->nodes[0].lookups[1].slot = 200; }},
-      {"node names outside", [](RigNetworkSpec& s) { s.network->nodeNamesPosition = 0xFFFFFF00; }},
+      {"huge boneCount", [](RigNetworkLayout& s) { s.rigs[0].rig.boneCount = 0x10000000; }},
+      {"one channel", [](RigNetworkLayout& s) { s.rigs[0].rig.channelCount = 1; }},
+      {"parent not below boneCount", [](RigNetworkLayout& s) { s.rigs[0].rig.bones[1].parent = 3; }},
+      {"own parent", [](RigNetworkLayout& s) { s.rigs[0].rig.bones[2].parent = 2; }},
+      {"cycle of parents", [](RigNetworkLayout& s) { s.rigs[1].rig.bones[2].parent = 1; }},  // 0 -> 2 -> 1 -> 0
+      {"hierarchy outside", [](RigNetworkLayout& s) { s.rigs[0].rig.hierarchy = 0xFFFFFFF0; }},
+      {"pose outside", [](RigNetworkLayout& s) { s.rigs[1].rig.pose = 0x7FFFFFFF; }},
+      {"bone names outside", [](RigNetworkLayout& s) { s.rigs[0].rig.boneNames = 0xFFFFFFFF; }},
+      {"huge name count", [](RigNetworkLayout& s) { s.rigs[0].rig.nameCount = 0x40000000; }},
+      {"more flagged nodes than counted", [](RigNetworkLayout& s) { s.network->flaggedNodeCount = 1; }},
+      {"flagged count above node count", [](RigNetworkLayout& s) { s.network->flaggedNodeCount = 0x20000000; }},
+      {"huge node count", [](RigNetworkLayout& s) { s.network->nodeCount = 0x20000000; }},
+      {"sets but no nodes", [](RigNetworkLayout& s) { s.network->nodeCount = 0; }},
+      {"set's attribute outside", [](RigNetworkLayout& s) { s.network->nodes[0].lookups[1].slot = 200; }},
+      {"node names outside", [](RigNetworkLayout& s) { s.network->nodeNamesPosition = 0xFFFFFF00; }},
   };
   for (const auto& [name, change] : cases) {
     SCOPED_TRACE(name);
-    RigNetworkSpec spec = FullNetwork();
-    change(spec);
+    RigNetworkLayout layout = FullNetwork();
+    change(layout);
     RigNetwork network;
-    EXPECT_FALSE(Read(network, Bytes(BuildRigNetwork(spec))));
+    EXPECT_FALSE(Read(network, Bytes(BuildRigNetwork(layout))));
     EXPECT_EQ(network.rigs.Count() + network.animSetNames.Count() + network.tableNames.Count() +
                   network.flaggedNodeNames.Count(),
               0u);
@@ -272,9 +272,9 @@ TEST(RigNetworkTest, EveryPrefixFailsOrReadsSoundly) {
 }
 
 TEST(RigNetworkTest, RefusedMemoryAtEveryStepFailsCleanly) {
-  RigNetworkSpec spec = FullNetwork();
-  spec.rigs[0].rig.bones[1].name = "a bone name long enough for a block";
-  const CByteBuffer bytes = Bytes(BuildRigNetwork(spec));
+  RigNetworkLayout layout = FullNetwork();
+  layout.rigs[0].rig.bones[1].name = "a bone name long enough for a block";
+  const CByteBuffer bytes = Bytes(BuildRigNetwork(layout));
   for (u64 failAt = 1; failAt < 1000; ++failAt) {
     SCOPED_TRACE(failAt);
     testsupport::ScopedAllocationFailure refuse(failAt);

@@ -44,7 +44,7 @@ u32 Append(std::string& bytes, const std::string& block) {
 
 u32 Size(const auto& container) { return static_cast<u32>(container.size()); }
 
-void PutLookupRecord(std::string& node, size_t at, const LookupSpec& lookup) {
+void PutLookupRecord(std::string& node, size_t at, const LookupLayout& lookup) {
   PutValue<u32>(node, at, lookup.typeId);
   PutValue<u8>(node, at + 4, lookup.setStride);
   PutValue<u32>(node, at + 8, kLookupRecordSize);
@@ -53,41 +53,41 @@ void PutLookupRecord(std::string& node, size_t at, const LookupSpec& lookup) {
 }
 
 // One node with its attributes and lookup records; positions count from the node's start.
-std::string BuildNode(const NetworkNodeSpec& spec) {
+std::string BuildNode(const NetworkNodeLayout& layout) {
   std::string node(kNodeSize, '\0');
-  PutValue<u32>(node, 0, spec.typeId);
-  PutValue<u8>(node, 4, spec.flags);
-  PutValue<u16>(node, 6, spec.nameIndex);
+  PutValue<u32>(node, 0, layout.typeId);
+  PutValue<u8>(node, 4, layout.flags);
+  PutValue<u16>(node, 6, layout.nameIndex);
 
   const u32 records = AlignEnd(node);
   PutValue<u32>(node, 32, records);
-  node.resize(records + Size(spec.attributeWords) * kAttributeRecordSize);
-  for (u32 i = 0; i < Size(spec.attributeWords); ++i) {
+  node.resize(records + Size(layout.attributeWords) * kAttributeRecordSize);
+  for (u32 i = 0; i < Size(layout.attributeWords); ++i) {
     const u32 attribute = AlignEnd(node);
-    PutU32(node, attribute + 8, spec.attributeWords[i]);
+    PutU32(node, attribute + 8, layout.attributeWords[i]);
     node.resize(attribute + kAttributeSize);
     PutU32(node, records + i * kAttributeRecordSize, attribute);
   }
 
   // The fallback record lies at the array plus the array's first word. Starting the array at least
   // as far in as the records reach keeps that place behind everything else.
-  const u32 lookupRecordsSize = Size(spec.lookups) * (kLookupRecordSize + kSlotBlockSize);
+  const u32 lookupRecordsSize = Size(layout.lookups) * (kLookupRecordSize + kSlotBlockSize);
   AlignEnd(node);
   node.resize(std::max<size_t>(node.size(), lookupRecordsSize));
   const u32 array = AlignEnd(node);
-  PutValue<u32>(node, 140, Size(spec.lookups));
+  PutValue<u32>(node, 140, Size(layout.lookups));
   PutValue<u32>(node, 144, array);
-  node.resize(array + std::max<size_t>(Size(spec.lookups), 1) * 4);
-  for (u32 i = 0; i < Size(spec.lookups); ++i) {
+  node.resize(array + std::max<size_t>(Size(layout.lookups), 1) * 4);
+  for (u32 i = 0; i < Size(layout.lookups); ++i) {
     const u32 record = AlignEnd(node);
-    PutLookupRecord(node, record, spec.lookups[i]);
+    PutLookupRecord(node, record, layout.lookups[i]);
     PutU32(node, array + i * 4, record);
   }
-  if (spec.fallback) {
-    if (spec.lookups.empty()) PutU32(node, array, static_cast<u32>(node.size() - array));
+  if (layout.fallback) {
+    if (layout.lookups.empty()) PutU32(node, array, static_cast<u32>(node.size() - array));
     u32 firstWord = 0;
     std::memcpy(&firstWord, node.data() + array, 4);
-    PutLookupRecord(node, array + firstWord, *spec.fallback);
+    PutLookupRecord(node, array + firstWord, *layout.fallback);
   }
   AlignEnd(node);
   return node;
@@ -132,13 +132,13 @@ std::string BuildStringTable(const std::vector<std::string>& strings, std::optio
   return table + text;
 }
 
-std::string BuildRigChunkData(const RigSpec& rig) {
+std::string BuildRigChunkData(const RigLayout& rig) {
   const u32 boneCount = Size(rig.bones);
   std::string data(kRigHeaderSize, '\0');
 
   std::string hierarchy(8, '\0');
   std::vector<std::string> names;
-  for (const RigBoneSpec& bone : rig.bones) {
+  for (const RigBoneLayout& bone : rig.bones) {
     PutValue<i32>(hierarchy, hierarchy.size(), bone.parent);
     names.push_back(bone.name);
   }
@@ -157,9 +157,9 @@ std::string BuildRigChunkData(const RigSpec& rig) {
   PutU32(data, poseDataAt + 24, kChannelsFromPoseData);
   data.resize(poseDataAt + kChannelsFromPoseData + channelEntries * 4);
   const u32 translations = AlignEnd(data);
-  for (const RigBoneSpec& bone : rig.bones) Put(data, data.size(), bone.translation.data(), 16);
+  for (const RigBoneLayout& bone : rig.bones) Put(data, data.size(), bone.translation.data(), 16);
   const u32 rotations = AlignEnd(data);
-  for (const RigBoneSpec& bone : rig.bones) Put(data, data.size(), bone.rotation.data(), 16);
+  for (const RigBoneLayout& bone : rig.bones) Put(data, data.size(), bone.rotation.data(), 16);
   for (u32 c = 0; c < channelEntries; ++c) {
     PutU32(data, poseDataAt + kChannelsFromPoseData + c * 4, (c == 1 ? rotations : translations) - poseDataAt);
   }
@@ -176,10 +176,10 @@ std::string BuildAnimSetChunkData(const std::vector<std::string>& names) {
   return data;
 }
 
-std::string BuildNetworkDefinitionData(const NetworkSpec& network) {
+std::string BuildNetworkDefinitionData(const NetworkLayout& network) {
   std::string data(kNetworkHeaderSize, '\0');
   u32 flagged = 0;
-  for (const NetworkNodeSpec& node : network.nodes) flagged += (node.flags & kFlaggedNode) != 0;
+  for (const NetworkNodeLayout& node : network.nodes) flagged += (node.flags & kFlaggedNode) != 0;
 
   const u32 nodesAt = AlignEnd(data);
   data.resize(nodesAt + Size(network.nodes) * 4);
@@ -195,18 +195,18 @@ std::string BuildNetworkDefinitionData(const NetworkSpec& network) {
   return data;
 }
 
-std::vector<RigFileChunk> RigNetworkChunks(const RigNetworkSpec& spec) {
+std::vector<RigFileChunk> RigNetworkChunks(const RigNetworkLayout& layout) {
   constexpr u32 kRigChunk = 1, kNetworkDefinitionChunk = 10, kAnimSetChunk = 14;
   std::vector<RigFileChunk> chunks;
-  for (const RigNetworkSpec::Rig& rig : spec.rigs) {
-    chunks.push_back({.type = kRigChunk, .id = rig.id, .data = BuildRigChunkData(rig.rig), .alignment = spec.alignment});
+  for (const RigNetworkLayout::Rig& rig : layout.rigs) {
+    chunks.push_back({.type = kRigChunk, .id = rig.id, .data = BuildRigChunkData(rig.rig), .alignment = layout.alignment});
   }
-  if (spec.animSets) {
-    chunks.push_back({.type = kAnimSetChunk, .data = BuildAnimSetChunkData(*spec.animSets), .alignment = spec.alignment});
+  if (layout.animSets) {
+    chunks.push_back({.type = kAnimSetChunk, .data = BuildAnimSetChunkData(*layout.animSets), .alignment = layout.alignment});
   }
-  if (spec.network) {
+  if (layout.network) {
     chunks.push_back(
-        {.type = kNetworkDefinitionChunk, .data = BuildNetworkDefinitionData(*spec.network), .alignment = spec.alignment});
+        {.type = kNetworkDefinitionChunk, .data = BuildNetworkDefinitionData(*layout.network), .alignment = layout.alignment});
   }
   return chunks;
 }

@@ -33,15 +33,15 @@ std::string BuildStringTable(const std::vector<std::string>& strings, std::optio
 
 // -- Rig chunk (type 1)
 
-struct RigBoneSpec {
+struct RigBoneLayout {
   std::string name{};
   i32 parent = -1;
   std::array<f32, 4> translation{};
   std::array<f32, 4> rotation{0, 0, 0, 1};
 };
 
-struct RigSpec {
-  std::vector<RigBoneSpec> bones{};
+struct RigLayout {
+  std::vector<RigBoneLayout> bones{};
   u32 channelCount = 2;            // entries past the first two point at the translations again
   std::optional<u32> boneCount{};  // written instead of bones.size()
   std::optional<u32> nameCount{};  // the bone name table's count, instead of bones.size()
@@ -51,7 +51,7 @@ struct RigSpec {
   std::optional<u32> pose{};
 };
 
-std::string BuildRigChunkData(const RigSpec& rig);
+std::string BuildRigChunkData(const RigLayout& rig);
 
 // -- Animation set chunk (type 14)
 
@@ -59,26 +59,26 @@ std::string BuildAnimSetChunkData(const std::vector<std::string>& names);
 
 // -- Network definition chunk (type 10)
 
-struct LookupSpec {
+struct LookupLayout {
   u32 typeId = 0;
   u8 setStride = 1;
   u8 slot = 0;
 };
 
-struct NetworkNodeSpec {
+struct NetworkNodeLayout {
   u32 typeId = 0;
   u8 flags = 0;  // 0x04: flagged
   u16 nameIndex = 0;
   // One 12-byte attribute record each, leading to an attribute with this word at its offset 8
   // (the rig id, for the attributes that animation sets pick).
   std::vector<u32> attributeWords{};
-  std::vector<LookupSpec> lookups{};
+  std::vector<LookupLayout> lookups{};
   // A record placed where the lookup array's first word leads when counted from the array's start.
-  std::optional<LookupSpec> fallback{};
+  std::optional<LookupLayout> fallback{};
 };
 
-struct NetworkSpec {
-  std::vector<NetworkNodeSpec> nodes{};
+struct NetworkLayout {
+  std::vector<NetworkNodeLayout> nodes{};
   std::vector<std::string> nodeNames{};
   std::optional<std::vector<std::string>> tableNames{};  // none: nameTable is 0
   std::optional<u32> nodeCount{};         // written instead of nodes.size()
@@ -87,25 +87,25 @@ struct NetworkSpec {
   std::optional<u32> nodeNamesPosition{};
 };
 
-std::string BuildNetworkDefinitionData(const NetworkSpec& network);
+std::string BuildNetworkDefinitionData(const NetworkLayout& network);
 
 // -- Whole networks
 
-struct RigNetworkSpec {
+struct RigNetworkLayout {
   struct Rig {
     u32 id = 0;
-    RigSpec rig{};
+    RigLayout rig{};
   };
   std::vector<Rig> rigs{};
   std::optional<std::vector<std::string>> animSets{};
-  std::optional<NetworkSpec> network{};
+  std::optional<NetworkLayout> network{};
   u32 alignment = 16;
 };
 
 // The rig chunks in order, then the animation set chunk and the network definition if given.
-std::vector<RigFileChunk> RigNetworkChunks(const RigNetworkSpec& spec);
+std::vector<RigFileChunk> RigNetworkChunks(const RigNetworkLayout& layout);
 
-inline std::string BuildRigNetwork(const RigNetworkSpec& spec) { return BuildRigFile(RigNetworkChunks(spec)); }
+inline std::string BuildRigNetwork(const RigNetworkLayout& layout) { return BuildRigFile(RigNetworkChunks(layout)); }
 
 // Little-endian store at `at`, growing `bytes` with zeros as needed.
 void PutU32(std::string& bytes, size_t at, u32 value);
