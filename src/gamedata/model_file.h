@@ -95,11 +95,9 @@ struct MaterialName {
 
 // One effect parameter. Data of up to kInlineDataSize bytes is held in the record, larger data in a
 // block that the parameter owns; `dataSize` says which, and is set only once the data is in place.
+// Class 4, type 5 and 4 bytes of data make a texture reference: the HashNameWide of one of `names`.
 struct MaterialParameter {
   static constexpr u32 kInlineDataSize = 16;
-  // A texture reference: class and type of an effect texture object, and a u32 name hash as data.
-  static constexpr u32 kTextureClass = 4;
-  static constexpr u32 kTextureType = 5;
 
   MaterialParameter() = default;
   MaterialParameter(const MaterialParameter&) = delete;
@@ -109,11 +107,6 @@ struct MaterialParameter {
 
   // Null when dataSize is 0.
   const u8* Data() const { return dataSize == 0 ? nullptr : dataSize <= kInlineDataSize ? data.inlineBytes : data.block; }
-  bool IsTextureReference() const {
-    return parameterClass == kTextureClass && parameterType == kTextureType && dataSize == 4;
-  }
-  // The name hash of a texture reference.
-  u32 TextureHash() const { return IsTextureReference() ? LoadU32LE(data.inlineBytes) : 0; }
   void FreeData();
 
   u32 semanticHash = 0;  // HashKey of the parameter's name, such as "baseDiffuse"
