@@ -27,17 +27,6 @@ constexpr u32 kParameterHeaderSize = 16;
 // Draw calls and bone map entries are copied into their records as they stand.
 static_assert(std::endian::native == std::endian::little);
 
-// TArray and CByteBuffer have no move of their own. Both are plain handles (a block pointer and its
-// sizes; nothing points back at the object), so exchanging their bytes moves them without
-// allocating. A move that could fail would leave a size apart from its data.
-template <class T>
-void ExchangeHandles(T& a, T& b) {
-  alignas(T) unsigned char held[sizeof(T)];
-  std::memcpy(held, static_cast<void*>(&a), sizeof(T));
-  std::memcpy(static_cast<void*>(&a), static_cast<void*>(&b), sizeof(T));
-  std::memcpy(static_cast<void*>(&b), held, sizeof(T));
-}
-
 // Exactly `count` fresh elements, once `count` records of at least `recordSize` bytes each are
 // known to be in the file: a corrupt count fails here, before any memory is asked for it.
 template <class T>
@@ -168,14 +157,14 @@ bool ReadMaterial(ByteReader& reader, ModelMaterial& material) {
 }  // namespace
 
 MeshStream::MeshStream(MeshStream&& other) noexcept
-    : dataSize(std::exchange(other.dataSize, 0)), stride(other.stride), index(other.index) {
-  ExchangeHandles(data, other.data);
-}
+    : dataSize(std::exchange(other.dataSize, 0)), stride(other.stride), data(std::move(other.data)), index(other.index) {}
 
 ModelMesh::ModelMesh(ModelMesh&& other) noexcept
-    : indexDataSize(std::exchange(other.indexDataSize, 0)),
+    : streams(std::move(other.streams)),
+      indexDataSize(std::exchange(other.indexDataSize, 0)),
       bytesPerIndex(other.bytesPerIndex),
       indexCount(other.indexCount),
+      indexData(std::move(other.indexData)),
       vertexCount(other.vertexCount),
       firstDrawCall(other.firstDrawCall),
       drawCallCount(other.drawCallCount),
@@ -183,8 +172,6 @@ ModelMesh::ModelMesh(ModelMesh&& other) noexcept
       bonePaletteSize(other.bonePaletteSize),
       reserved(other.reserved) {
   std::memcpy(bounds, other.bounds, sizeof(bounds));
-  ExchangeHandles(streams, other.streams);
-  ExchangeHandles(indexData, other.indexData);
 }
 
 MaterialParameter::MaterialParameter(MaterialParameter&& other) noexcept
@@ -200,9 +187,10 @@ void MaterialParameter::FreeData() {
 }
 
 ModelMaterial::ModelMaterial(ModelMaterial&& other) noexcept
-    : owner(other.owner), definitionHash(other.definitionHash), materialKey(other.materialKey) {
-  ExchangeHandles(parameters, other.parameters);
-}
+    : owner(other.owner),
+      parameters(std::move(other.parameters)),
+      definitionHash(other.definitionHash),
+      materialKey(other.materialKey) {}
 
 bool ReadMaterials(ModelMaterials& materials, ByteReader& reader) {
   materials.materials.Release();
