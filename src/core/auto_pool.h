@@ -52,6 +52,10 @@ class TAutoPoolClass {
     Free(object);
   }
 
+  // Builds the pool now, so that a static object made after this call, which frees objects into the
+  // pool when it is destroyed, is destroyed before the pool.
+  static void Prepare() { (void)Instance(); }
+
   // Slabs held by this class's pool, for tests.
   static u32 SlabCount() {
     u32 n = 0;

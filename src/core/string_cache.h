@@ -35,6 +35,15 @@ class TStringCache {
     return cache;
   }
 
+  TStringCache() {
+    TAutoPoolClass<TRefStr, 64>::Prepare();
+    Cell::Prepare();
+  }
+  TStringCache(const TStringCache&) = delete;
+  TStringCache& operator=(const TStringCache&) = delete;
+  // At exit spares still hold their last texts; they go back before the pools do.
+  ~TStringCache() { DestroyAll(); }
+
   // A record for one more text, holding whatever text it had before; null when out of memory.
   TRefStr* Acquire() {
     std::lock_guard guard(lock);
