@@ -1,0 +1,189 @@
+#include <gtest/gtest.h>
+
+#include "mesh/export_mesh.h"
+#include "mesh/preview_mesh.h"
+#include "mesh_fixture.h"
+#include "support/allocation_failure.h"
+
+namespace {
+
+using namespace meshtest;
+
+// Every successful build: indices as stored, one record per vertex, bones inside the model.
+void CheckExport(const ExportMesh& out, const ModelMesh& mesh) {
+  ASSERT_EQ(out.vertexCount, out.vertices.Count());
+  ASSERT_EQ(out.vertexCount, mesh.vertexCount);
+  ASSERT_EQ(out.indexCount, mesh.indexCount);
+  EXPECT_TRUE(out.flags & kHasPosition);
+}
+
+// Four vertices in one 16-byte stream: a Ubyte4n normal-ish vector at 0, tangent at 4, binormal
+// at 8 and blend indices at 12; positions and uvs in a second stream.
+struct Quad {
+  ModelFile model;
+  ModelMesh mesh;
+  InputLayout layout;
+
+  explicit Quad(std::initializer_list<Element> elements) {
+    MakeLayout(layout, elements);
+    std::string frame;
+    for (u8 v = 0; v < 4; ++v) {
+      Append<u8>(frame, {255, 128, 128, 255});  // normal: snaps to +x
+      Append<u8>(frame, {255, 128, 128, 255});  // tangent +x, w 255: s = 1
+      Append<u8>(frame, {128, 255, 128, v});    // binormal +y, rigid bone = slot v
+      Append<u8>(frame, {v, u8((v + 1) % 4), 0, 0});  // blend indices (slots)
+    }
+    std::string positions;
+    for (int v = 0; v < 4; ++v) Append<f32>(positions, {f32(v), f32(v % 2), 0, 0.25f * v, 0.5f});
+    MakeMesh(mesh, 4, {{16, frame}, {20, positions}});
+    SetIndices(mesh, 2, {0, 1, 2, 2, 1, 3});
+  }
+};
+
+TEST(ExportMesh, NormalSourcesChannelsAndColour) {
+  struct Case {
+    const char* what;
+    std::initializer_list<Element> elements;
+    u32 flags;
+    f32 normalZ;  // of vertex 0
+  };
+  const Element position{kPosition, kFloat3, 0, 1};
+  const Case cases[] = {
+      {"stored normal and frame", {position, {kNormal, kUbyte4n, 0}, {kTangent, kUbyte4n, 4}, {kBinormal, kUbyte4n, 8}},
+       kHasPosition | kHasNormal | kHasTangentFrame, 0},
+      {"normal beyond the stride: derived from the frame",
+       {position, {kNormal, kFloat3, 8}, {kTangent, kUbyte4n, 4}, {kBinormal, kUbyte4n, 8}},
+       kHasPosition | kHasNormal | kHasTangentFrame, 1},
+      {"normal and tangent alone", {position, {kNormal, kUbyte4n, 0}, {kTangent, kUbyte4n, 4}}, kHasPosition | kHasNormal, 0},
+      {"tangent alone", {position, {kTangent, kUbyte4n, 4}}, kHasPosition, 0},
+      {"uv channels 0 and 7, not 8",
+       {position, {kTexcoord, kFloat2, 12, 1, 0}, {kTexcoord, kFloat2, 12, 1, 7}, {kTexcoord, kFloat2, 12, 1, 8}},
+       kHasPosition | HasUv(0) | HasUv(7), 0},
+      {"colour with alpha", {position, {kColor, kUbyte4n, 0}}, kHasPosition | kHasColor | kHasColorAlpha, 0},
+      {"colour without", {position, {kColor, kFloat3, 0, 1}}, kHasPosition | kHasColor, 0},
+      {"colour beyond the stride is passed over", {position, {kColor, kFloat4, 8, 1}}, kHasPosition, 0},
+  };
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.what);
+    Quad quad(c.elements);
+    ExportMesh out;
+    ASSERT_TRUE(Build(out, quad.model, quad.mesh, &quad.layout, 0));
+    CheckExport(out, quad.mesh);
+    EXPECT_EQ(out.flags, c.flags);
+    EXPECT_NEAR(out.vertices[0].normal[2], c.normalZ, 1e-4f);
+    EXPECT_EQ(out.vertices[3].position[0], 3.0f);
+    EXPECT_EQ(out.vertices[0].influences[0].bone, -1) << "no skin without the flags";
+    if (c.flags & kHasTangentFrame) {
+      EXPECT_NEAR(out.vertices[2].binormal[1], 1.0f, 1e-4f);
+    }
+    if (c.flags & HasUv(7)) {
+      EXPECT_EQ(out.vertices[2].uv[7][0], 0.5f);
+    }
+    if (c.flags & kHasColorAlpha) {
+      EXPECT_EQ(out.vertices[1].color[3], 1.0f);
+    }
+  }
+}
+
+TEST(ExportMesh, IndicesAndFailures) {
+  Quad quad({{kPosition, kFloat3, 0, 1}});
+  ExportMesh out;
+  ASSERT_TRUE(Build(out, quad.model, quad.mesh, &quad.layout, 0));
+  EXPECT_EQ(std::vector<u32>(out.indices.begin(), out.indices.end()), (std::vector<u32>{0, 1, 2, 2, 1, 3}));
+  SetIndices(quad.mesh, 4, {3, 0, 70000, 1, 2});
+  ASSERT_TRUE(Build(out, quad.model, quad.mesh, &quad.layout, 0)) << "five indices don't fail here";
+  EXPECT_EQ(out.indices[2], 70000u);
+  quad.mesh.bytesPerIndex = 3;
+  EXPECT_FALSE(Build(out, quad.model, quad.mesh, &quad.layout, 0));
+  EXPECT_EQ(out.vertices.Count() + out.vertexCount + out.flags, 0u) << "empty after a failure";
+  SetIndices(quad.mesh, 2, {});
+  EXPECT_FALSE(Build(out, quad.model, quad.mesh, nullptr, 0));
+  InputLayout farPosition;
+  MakeLayout(farPosition, {{kPosition, kFloat3, 12, 1}});
+  EXPECT_FALSE(Build(out, quad.model, quad.mesh, &farPosition, 0)) << "a position outside its stream";
+  ModelMesh empty;
+  SetIndices(empty, 4, {});
+  InputLayout anyPosition;
+  MakeLayout(anyPosition, {{kPosition, kFloat3, 0}});
+  ASSERT_TRUE(empty.streams.SetSize(1));
+  empty.streams[0].stride = 12;
+  ASSERT_TRUE(Build(out, quad.model, empty, &anyPosition, 0));
+  EXPECT_EQ(out.flags, u32(kHasPosition));
+  testsupport::ScopedAllocationFailure refuse(1);
+  EXPECT_FALSE(Build(out, quad.model, quad.mesh, &quad.layout, 0));
+}
+
+TEST(ExportMesh, SkinsRenumberSlotsThroughTheDrawCalls) {
+  Quad quad({{kPosition, kFloat3, 0, 1}, {kBinormal, kUbyte4n, 8}, {kBlendIndices, kUbyte4n, 12}, {kBlendWeight, kUbyte4n, 4}});
+  // Draw call 0 covers vertices 0-1 with slots 0->10, 1->11, 2->12. Draw call 1 covers 2-3 with a
+  // base of 1: it rewrites slot 2 (1 + 1) and wraps 3 + 1 to slot 0. Slot 3 is never written and
+  // gives bone 0. A third draw call lies beyond the model's list.
+  ASSERT_TRUE(quad.model.boneMap.SetSize(5));
+  const BoneMapEntry map[] = {{10, 0}, {11, 1}, {12, 2}, {20, 1}, {21, 3}};
+  for (u32 i = 0; i < 5; ++i) quad.model.boneMap[i] = map[i];
+  ASSERT_TRUE(quad.model.drawCalls.SetSize(2));
+  quad.model.drawCalls[0] = {.firstBoneMapEntry = 0, .boneMapEntryCount = 3, .slotBase = 0, .firstVertex = 0, .vertexCount = 2};
+  quad.model.drawCalls[1] = {.firstBoneMapEntry = 3, .boneMapEntryCount = 2, .slotBase = 1, .firstVertex = 2, .vertexCount = 2};
+  quad.mesh.drawCallCount = 3;
+  quad.mesh.bonePaletteSize = 4;
+
+  struct Case {
+    const char* what;
+    u32 flags;
+    u32 paletteSize;
+    std::vector<std::vector<i32>> bones;  // per vertex, the first two influences
+    f32 weight1;
+  };
+  const Case cases[] = {
+      {"skinned", kSkinned, 4, {{10, 11}, {11, 12}, {20, 0}, {0, 21}}, 128 / 255.0f},
+      {"skinned wins over rigid", kSkinned | kRigidSkinned, 4, {{10, 11}, {11, 12}, {20, 0}, {0, 21}}, 128 / 255.0f},
+      {"rigid: the binormal's fourth byte", kRigidSkinned, 4, {{10, 0}, {11, 0}, {20, 0}, {0, 0}}, 0},
+      {"no palette: nothing to map", kSkinned, 0, {{0, 0}, {0, 0}, {0, 0}, {0, 0}}, 128 / 255.0f},
+      {"slots beyond a palette of 2", kSkinned, 2, {{12, 11}, {11, 0}, {0, 0}, {0, 21}}, 128 / 255.0f},
+  };
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.what);
+    quad.mesh.bonePaletteSize = c.paletteSize;
+    ExportMesh out;
+    ASSERT_TRUE(Build(out, quad.model, quad.mesh, &quad.layout, c.flags));
+    EXPECT_TRUE(out.flags & kHasInfluences);
+    for (u32 v = 0; v < 4; ++v) {
+      EXPECT_EQ(out.vertices[v].influences[0].bone, c.bones[v][0]) << v;
+      EXPECT_EQ(out.vertices[v].influences[1].bone, c.bones[v][1]) << v;
+      EXPECT_FLOAT_EQ(out.vertices[v].influences[1].weight, c.weight1) << v;
+    }
+    EXPECT_FLOAT_EQ(out.vertices[0].influences[0].weight, 1.0f);
+  }
+  InputLayout noIndices;
+  MakeLayout(noIndices, {{kPosition, kFloat3, 0, 1}, {kBlendWeight, kUbyte4n, 4}});
+  ExportMesh out;
+  ASSERT_TRUE(Build(out, quad.model, quad.mesh, &noIndices, kSkinned));
+  EXPECT_FALSE(out.flags & kHasInfluences);
+  EXPECT_EQ(out.vertices[0].influences[3].bone, -1);
+}
+
+TEST(PreviewMesh, IndexedWithNormalsFlatWithout) {
+  Quad indexed({{kPosition, kFloat3, 0, 1}, {kNormal, kUbyte4n, 0}, {kTexcoord, kFloat2, 12, 1}});
+  PreviewMesh out;
+  ASSERT_TRUE(BuildPreview(out, indexed.mesh, &indexed.layout));
+  EXPECT_EQ(out.vertexCount, 4u);
+  EXPECT_EQ(out.indices[5], 3u);
+  EXPECT_EQ(out.vertices[0].normal[0], 1.0f);
+  EXPECT_EQ(out.vertices[2].uv[0], 0.5f);
+
+  // Corners (0,0,0), (2,0,0), (0,2,0): a face normal of (0, 0, 4). An index past the vertices and a
+  // last corner short of a triangle stay zero.
+  ModelMesh flat;
+  MakeMesh(flat, 4, {{12, Bytes<f32>({0, 0, 0, 2, 0, 0, 0, 2, 0, 5, 5, 5})}});
+  SetIndices(flat, 4, {0, 1, 2, 3, 9, 2, 1});
+  InputLayout layout;
+  MakeLayout(layout, {{kPosition, kFloat3, 0}, {kNormal, kFloat3, 4}});
+  ASSERT_TRUE(BuildPreview(out, flat, &layout));
+  ASSERT_EQ(out.vertexCount, 7u);
+  for (u32 k = 0; k < 3; ++k) EXPECT_EQ(out.vertices[k].normal[2], 4.0f);
+  EXPECT_EQ(out.vertices[4].position[0], 0.0f) << "index 9 is past the mesh";
+  EXPECT_EQ(out.vertices[6].normal[2], 0.0f);
+  for (u32 i = 0; i < 7; ++i) EXPECT_EQ(out.indices[i], i);
+}
+
+}  // namespace
