@@ -1,5 +1,7 @@
 #include "mesh/export_mesh.h"
 
+#include <type_traits>
+
 #include "mesh/mesh_indices.h"
 #include "mesh/unit_vector.h"
 #include "platform/debug_channel.h"
@@ -155,7 +157,11 @@ bool Build(ExportMesh& out, const ModelFile& model, const ModelMesh& mesh, const
     return false;
   }
   out.indexCount = mesh.indexCount;
-  for (ExportVertex& vertex : out.vertices) vertex = ExportVertex{};
+  // The array comes zero-filled; of a new record only the bone numbers differ from zero.
+  static_assert(std::is_trivially_copyable_v<ExportVertex>);
+  for (ExportVertex& vertex : out.vertices) {
+    for (ExportInfluence& influence : vertex.influences) influence.bone = -1;
+  }
   out.vertexCount = vertexCount;
   out.flags = kHasPosition;
   ForEachVertex(out, mesh, *position, [](ExportVertex& v, const u8* b, u32 t) { Store(v.position, ReadVec3(b, t)); });

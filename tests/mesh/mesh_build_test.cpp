@@ -26,12 +26,13 @@ struct Quad {
 
   explicit Quad(std::initializer_list<Element> elements) {
     MakeLayout(layout, elements);
+    const u8 slots[4][2] = {{0, 1}, {1, 2}, {1, 2}, {3, 0}};
     std::string frame;
     for (u8 v = 0; v < 4; ++v) {
       Append<u8>(frame, {255, 128, 128, 255});  // normal: snaps to +x
       Append<u8>(frame, {255, 128, 128, 255});  // tangent +x, w 255: s = 1
       Append<u8>(frame, {128, 255, 128, v});    // binormal +y, rigid bone = slot v
-      Append<u8>(frame, {v, u8((v + 1) % 4), 0, 0});  // blend indices (slots)
+      Append<u8>(frame, {slots[v][0], slots[v][1], 0, 0});  // blend indices
     }
     std::string positions;
     for (int v = 0; v < 4; ++v) Append<f32>(positions, {f32(v), f32(v % 2), 0, 0.25f * v, 0.5f});
@@ -116,8 +117,8 @@ TEST(ExportMesh, IndicesAndFailures) {
 TEST(ExportMesh, SkinsRenumberSlotsThroughTheDrawCalls) {
   Quad quad({{kPosition, kFloat3, 0, 1}, {kBinormal, kUbyte4n, 8}, {kBlendIndices, kUbyte4n, 12}, {kBlendWeight, kUbyte4n, 4}});
   // Draw call 0 covers vertices 0-1 with slots 0->10, 1->11, 2->12. Draw call 1 covers 2-3 with a
-  // base of 1: it rewrites slot 2 (1 + 1) and wraps 3 + 1 to slot 0. Slot 3 is never written and
-  // gives bone 0. A third draw call lies beyond the model's list.
+  // base of 1: it rewrites slot 2 (1 + 1) and wraps 3 + 1 to slot 0, while slot 1 keeps the bone of
+  // draw call 0. Slot 3 is never written and gives bone 0. A third draw call lies beyond the list.
   ASSERT_TRUE(quad.model.boneMap.SetSize(5));
   const BoneMapEntry map[] = {{10, 0}, {11, 1}, {12, 2}, {20, 1}, {21, 3}};
   for (u32 i = 0; i < 5; ++i) quad.model.boneMap[i] = map[i];
@@ -135,11 +136,11 @@ TEST(ExportMesh, SkinsRenumberSlotsThroughTheDrawCalls) {
     f32 weight1;
   };
   const Case cases[] = {
-      {"skinned", kSkinned, 4, {{10, 11}, {11, 12}, {20, 0}, {0, 21}}, 128 / 255.0f},
-      {"skinned wins over rigid", kSkinned | kRigidSkinned, 4, {{10, 11}, {11, 12}, {20, 0}, {0, 21}}, 128 / 255.0f},
+      {"skinned", kSkinned, 4, {{10, 11}, {11, 12}, {11, 20}, {0, 21}}, 128 / 255.0f},
+      {"skinned wins over rigid", kSkinned | kRigidSkinned, 4, {{10, 11}, {11, 12}, {11, 20}, {0, 21}}, 128 / 255.0f},
       {"rigid: the binormal's fourth byte", kRigidSkinned, 4, {{10, 0}, {11, 0}, {20, 0}, {0, 0}}, 0},
       {"no palette: nothing to map", kSkinned, 0, {{0, 0}, {0, 0}, {0, 0}, {0, 0}}, 128 / 255.0f},
-      {"slots beyond a palette of 2", kSkinned, 2, {{12, 11}, {11, 0}, {0, 0}, {0, 21}}, 128 / 255.0f},
+      {"slots beyond a palette of 2", kSkinned, 2, {{12, 11}, {11, 0}, {11, 0}, {0, 21}}, 128 / 255.0f},
   };
   for (const Case& c : cases) {
     SCOPED_TRACE(c.what);
