@@ -86,6 +86,14 @@ class TArray {
     return true;
   }
 
+  // One more default-constructed element at the end, for builders that add one at a time: the
+  // block doubles when full, so appending stays linear. Null when memory is refused.
+  T* Append() {
+    if (count == capacity && !Reserve(capacity < 4 ? 4 : GrownDoubled(capacity))) return nullptr;
+    ::new (&data[count]) T();
+    return &data[count++];
+  }
+
   // Element-wise copy of `other`. False when memory is refused; the array is then unchanged.
   [[nodiscard]] bool Assign(const TArray& other) {
     if (this == &other) return true;
@@ -110,6 +118,8 @@ class TArray {
 
  private:
   static constexpr u64 kMaxBytes = u64(1) << 40;
+
+  static u32 GrownDoubled(u32 n) { return n > UINT32_MAX / 2 ? UINT32_MAX : 2 * n; }
 
   // n + n / 2, saturating rather than wrapping.
   static u32 GrownByHalf(u32 n) {

@@ -1,0 +1,174 @@
+#include "fbx/sdk/fbx_binary_writer.h"
+
+#include <libdeflate.h>
+
+#include <cstring>
+#include <memory>
+
+#include "fbx/sdk/fbx_file_id.h"
+
+namespace {
+
+constexpr u8 kMagic[23] = {'K', 'a', 'y', 'd', 'a', 'r', 'a', ' ', 'F', 'B', 'X', ' ',
+                           'B', 'i', 'n', 'a', 'r', 'y', ' ', ' ', 0x00, 0x1A, 0x00};
+constexpr u32 kHeaderSize = 27;
+constexpr u32 kRecordHeaderSize = 13;  // EndOffset, NumProperties, PropertyListLen (u32), NameLen (u8)
+constexpr u32 kArrayHeaderSize = 12;   // count, encoding, stored length
+constexpr u32 kFooterZeros = 120;
+constexpr u8 kEndMagic[16] = {0xF8, 0x5A, 0x8C, 0x6A, 0xDE, 0xF5, 0xD9, 0x7E,
+                              0xEC, 0xE9, 0x0C, 0xE3, 0x75, 0x8F, 0x29, 0x0B};
+constexpr int kDeflateLevel = 1;
+
+struct CompressorDeleter {
+  void operator()(libdeflate_compressor* c) const { libdeflate_free_compressor(c); }
+};
+
+bool IsArray(char code) { return code == 'f' || code == 'd' || code == 'l' || code == 'i' || code == 'b' || code == 'c'; }
+
+// The stored form of every deflated array, in the order the writer meets them.
+struct Packed {
+  TArray<CByteBuffer> streams;
+  u32 next = 0;
+};
+
+constexpr size_t kMaxNameLength = 255;
+
+// Deflates every large array, and checks the names: the format keeps a name's length in one byte.
+bool Pack(const FbxRecord& record, libdeflate_compressor* compressor, Packed& packed) {
+  if (std::strlen(record.name.Text()) > kMaxNameLength) return false;
+  for (const FbxProperty& property : record.properties) {
+    if (!IsArray(property.code) || property.bytes.Size() <= kFbxDeflateAbove) continue;
+    CByteBuffer* stream = packed.streams.Append();
+    const size_t bound = libdeflate_zlib_compress_bound(compressor, property.bytes.Size());
+    if (!stream || bound > UINT32_MAX || !stream->SetSize(static_cast<u32>(bound))) return false;
+    const size_t size = libdeflate_zlib_compress(compressor, property.bytes.Data(), property.bytes.Size(),
+                                                 stream->Data(), bound);
+    if (size == 0 || !stream->SetSize(static_cast<u32>(size))) return false;
+  }
+  for (const FbxRecord& child : record.children) {
+    if (!Pack(child, compressor, packed)) return false;
+  }
+  return true;
+}
+
+u64 PropertySize(const FbxProperty& property, const Packed& packed, u32& packedIndex) {
+  switch (property.code) {
+    case 'C': return 1 + 1;
+    case 'Y': return 1 + 2;
+    case 'I': case 'F': return 1 + 4;
+    case 'D': case 'L': return 1 + 8;
+    case 'S': case 'R': return 1 + 4 + u64(property.bytes.Size());
+    default:
+      if (property.bytes.Size() > kFbxDeflateAbove) return 1 + kArrayHeaderSize + u64(packed.streams[packedIndex++].Size());
+      return 1 + kArrayHeaderSize + u64(property.bytes.Size());
+  }
+}
+
+u64 PropertiesSize(const FbxRecord& record, const Packed& packed, u32& packedIndex) {
+  u64 size = 0;
+  for (const FbxProperty& property : record.properties) size += PropertySize(property, packed, packedIndex);
+  return size;
+}
+
+u64 RecordSize(const FbxRecord& record, const Packed& packed, u32& packedIndex) {
+  u64 size = kRecordHeaderSize + u64(std::strlen(record.name.Text())) + PropertiesSize(record, packed, packedIndex);
+  for (const FbxRecord& child : record.children) size += RecordSize(child, packed, packedIndex);
+  if (record.children.Count() || record.block) size += kRecordHeaderSize;
+  return size;
+}
+
+// Writes into a buffer sized beforehand, so every write fits.
+class Emitter {
+ public:
+  explicit Emitter(u8* start) : base(start) {}
+  u32 Position() const { return at; }
+  void Bytes(const void* data, u32 size) {
+    if (size) std::memcpy(base + at, data, size);
+    at += size;
+  }
+  void Zeros(u32 size) {
+    std::memset(base + at, 0, size);
+    at += size;
+  }
+  template <class T>
+  void Value(T value) {
+    Bytes(&value, sizeof(T));
+  }
+  void PatchU32(u32 position, u32 value) { std::memcpy(base + position, &value, 4); }
+
+ private:
+  u8* base;
+  u32 at = 0;
+};
+
+void EmitProperty(Emitter& out, const FbxProperty& property, Packed& packed) {
+  out.Value<char>(property.code);
+  switch (property.code) {
+    case 'C': out.Value<u8>(static_cast<u8>(property.integer)); return;
+    case 'Y': out.Value<i16>(static_cast<i16>(property.integer)); return;
+    case 'I': out.Value<i32>(static_cast<i32>(property.integer)); return;
+    case 'L': out.Value<i64>(property.integer); return;
+    case 'F': out.Value<f32>(static_cast<f32>(property.real)); return;
+    case 'D': out.Value<f64>(property.real); return;
+    case 'S': case 'R':
+      out.Value<u32>(property.bytes.Size());
+      out.Bytes(property.bytes.Data(), property.bytes.Size());
+      return;
+    default: {
+      const bool deflated = property.bytes.Size() > kFbxDeflateAbove;
+      const CByteBuffer& stored = deflated ? packed.streams[packed.next++] : property.bytes;
+      out.Value<u32>(property.count);
+      out.Value<u32>(deflated ? 1 : 0);
+      out.Value<u32>(stored.Size());
+      out.Bytes(stored.Data(), stored.Size());
+    }
+  }
+}
+
+void EmitRecord(Emitter& out, const FbxRecord& record, Packed& packed) {
+  const u32 start = out.Position();
+  u32 packedIndex = packed.next;
+  const u64 propertyBytes = PropertiesSize(record, packed, packedIndex);
+  const u32 nameLength = static_cast<u32>(std::strlen(record.name.Text()));
+  out.Value<u32>(0);  // EndOffset, patched once the record is written
+  out.Value<u32>(record.properties.Count());
+  out.Value<u32>(static_cast<u32>(propertyBytes));
+  out.Value<u8>(static_cast<u8>(nameLength));
+  out.Bytes(record.name.Text(), nameLength);
+  for (const FbxProperty& property : record.properties) EmitProperty(out, property, packed);
+  for (const FbxRecord& child : record.children) EmitRecord(out, child, packed);
+  if (record.children.Count() || record.block) out.Zeros(kRecordHeaderSize);
+  out.PatchU32(start, out.Position());
+}
+
+}  // namespace
+
+bool WriteFbxBinary(const FbxRecord& document, const char* creationTime, CByteBuffer& out) {
+  std::unique_ptr<libdeflate_compressor, CompressorDeleter> compressor(libdeflate_alloc_compressor(kDeflateLevel));
+  Packed packed;
+  if (!compressor || !Pack(document, compressor.get(), packed)) return false;
+
+  u32 packedIndex = 0;
+  u64 size = kHeaderSize + kRecordHeaderSize;
+  for (const FbxRecord& record : document.children) size += RecordSize(record, packed, packedIndex);
+  // Footer: its id, zeros to the next multiple of 16 (16 when already there), 4 zeros, the
+  // version, 120 zeros and the end magic.
+  const u64 afterId = size + 16;
+  const u64 padding = 16 - afterId % 16;
+  const u64 total = afterId + padding + 4 + 4 + kFooterZeros + sizeof(kEndMagic);
+  if (total > UINT32_MAX || !out.SetSize(static_cast<u32>(total))) return false;
+
+  Emitter emit(out.Data());
+  emit.Bytes(kMagic, sizeof(kMagic));
+  emit.Value<u32>(kFbxFileVersion);
+  for (const FbxRecord& record : document.children) EmitRecord(emit, record, packed);
+  emit.Zeros(kRecordHeaderSize);
+  u8 footerId[16];
+  FbxFooterId(creationTime, footerId);
+  emit.Bytes(footerId, 16);
+  emit.Zeros(static_cast<u32>(padding) + 4);
+  emit.Value<u32>(kFbxFileVersion);
+  emit.Zeros(kFooterZeros);
+  emit.Bytes(kEndMagic, sizeof(kEndMagic));
+  return emit.Position() == total;
+}
