@@ -84,6 +84,7 @@ class TStringCache {
  private:
   struct Cell : TAutoPoolClass<Cell, 256> {
     Cell* next = nullptr;
+    Cell* previous = nullptr;
     TRefStr* record = nullptr;
   };
   struct List {
@@ -95,6 +96,7 @@ class TStringCache {
       Cell* cell = Cell::New();
       if (!cell) return false;
       cell->record = record;
+      cell->previous = tail;
       (tail ? tail->next : head) = cell;
       tail = cell;
       ++count;
@@ -103,18 +105,18 @@ class TStringCache {
     TRefStr* PopHead() {
       Cell* cell = head;
       head = cell->next;
-      if (!head) tail = nullptr;
+      (head ? head->previous : tail) = nullptr;
       --count;
       TRefStr* record = cell->record;
       Cell::Delete(cell);
       return record;
     }
+    // Records are mostly given back newest first, so the search runs from the tail.
     void Remove(TRefStr* record) {
-      Cell* previous = nullptr;
-      for (Cell* cell = head; cell; previous = cell, cell = cell->next) {
+      for (Cell* cell = tail; cell; cell = cell->previous) {
         if (cell->record != record) continue;
-        (previous ? previous->next : head) = cell->next;
-        if (tail == cell) tail = previous;
+        (cell->previous ? cell->previous->next : head) = cell->next;
+        (cell->next ? cell->next->previous : tail) = cell->previous;
         --count;
         Cell::Delete(cell);
         return;

@@ -16,7 +16,15 @@ i32 CStringTable::Store(XMLTextHandle& handle, const char* text) {
   const u32 slot = offsets.Count();
   if (slot >= u32(INT32_MAX) || !offsets.SetSize(slot + 1)) return handle.slot = XMLTextHandle::kNoSlot;
   const u64 end = u64(store.Size()) + n + 1;
-  if (end > UINT32_MAX || !store.Reserve(static_cast<u32>(end))) {
+  bool stored = end <= limit && end <= UINT32_MAX;
+  limitReached |= end > limit;
+  if (stored && end > store.Capacity()) {
+    // Grow by half at least, so a store of many texts isn't copied once per granule.
+    u64 want = u64(store.Capacity()) + store.Capacity() / 2;
+    if (want < end || want > UINT32_MAX) want = end;
+    stored = store.Reserve(static_cast<u32>(want));
+  }
+  if (!stored) {
     offsets[slot] = kFailedOffset;
     return handle.slot = XMLTextHandle::kNoSlot;
   }

@@ -26,6 +26,9 @@ class CStringTable {
   // kNoSlot when memory is refused. `text` may lie inside this table's own store.
   i32 Store(XMLTextHandle& handle, const char* text);
   [[nodiscard]] bool Reserve(u32 bytes);
+  // Stores that would take the texts past `bytes` fail, and LimitReached() says so afterwards.
+  void SetLimit(u32 bytes) { limit = bytes; }
+  bool LimitReached() const { return limitReached; }
   // Never null. Valid until the next Store that moves the store.
   const char* GetText(const XMLTextHandle& handle);
 
@@ -38,6 +41,8 @@ class CStringTable {
   TArray<u32> offsets;
   std::recursive_mutex lock;
   char emptyText[1] = {};
+  u32 limit = UINT32_MAX;
+  bool limitReached = false;
 };
 
 // Free form of CStringTable::GetText that also takes a handle without a table.

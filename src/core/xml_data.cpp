@@ -20,13 +20,13 @@ bool MatchesName(IXMLData* item, void* context) {
   return SameName(match->byQualifiedName ? item->GetQualifiedName() : item->GetName(), match->wanted);
 }
 
-// The first record from `first` on, or after `after` when it lies in this list.
-CXMLData* SearchStart(CXMLData* first, IXMLData* after) {
+// The first record to look at: the one after `after` when `after` lies in this list (a record
+// knows its parent, and its node type says which list), else the head.
+CXMLData* SearchStart(const CXMLData* owner, CXMLData* first, IXMLData* after, bool attributes) {
   if (!after) return first;
-  for (IXMLData* item = first; item; item = item->GetNextSibling()) {
-    if (item == after) return static_cast<CXMLData*>(item->GetNextSibling());
-  }
-  return first;
+  auto* record = static_cast<CXMLData*>(after);
+  const bool member = record->Parent() == owner && (record->GetNodeType() == kXMLAttribute) == attributes;
+  return member ? static_cast<CXMLData*>(record->GetNextSibling()) : first;
 }
 
 }  // namespace
@@ -61,6 +61,15 @@ void CXMLData::FreeChildren() {
   childCount = attributeCount = 0;
 }
 
+void CXMLData::ResetForBuild() {
+  FreeChildren();
+  for (XMLTextHandle* handle : {&name, &value, &reserved1, &reserved2, &qualifiedName}) handle->slot = XMLTextHandle::kEmptySlot;
+  nodeType = 0;
+  parent = nullptr;
+  savedDepth = -1;
+  defaultPushed = false;
+}
+
 void CXMLData::Append(CXMLData*& first, CXMLData*& last, i32& count, CXMLData* record) {
   record->nextSibling = nullptr;
   (last ? last->nextSibling : first) = record;
@@ -69,14 +78,14 @@ void CXMLData::Append(CXMLData*& first, CXMLData*& last, i32& count, CXMLData* r
 }
 
 IXMLData* CXMLData::FindAttribute(const char* wanted, IXMLData* after) {
-  for (CXMLData* item = SearchStart(firstAttribute, after); item; item = item->nextSibling) {
+  for (CXMLData* item = SearchStart(this, firstAttribute, after, true); item; item = item->nextSibling) {
     if (SameName(item->GetName(), wanted)) return item;
   }
   return nullptr;
 }
 
 IXMLData* CXMLData::FindChild(const char* wanted, IXMLData* after) {
-  for (CXMLData* item = SearchStart(firstChild, after); item; item = item->nextSibling) {
+  for (CXMLData* item = SearchStart(this, firstChild, after, false); item; item = item->nextSibling) {
     if (SameName(item->GetQualifiedName(), wanted)) return item;
   }
   return nullptr;

@@ -36,12 +36,15 @@ class CXMLData final : public IXMLData {
   IXMLResultSet* FilterAttributes(Accept accept, void* context) override;
 
   i32 ChildCount() const { return childCount; }
+  const CXMLData* Parent() const { return parent; }
   i32 AttributeCount() const { return attributeCount; }
 
  private:
   friend class CXML;
 
   void FreeChildren();
+  // Back to a new record's state: the document's root is built again by every load.
+  void ResetForBuild();
   // Lists are linked through nextSibling with a tail, so appending is constant time.
   static void Append(CXMLData*& first, CXMLData*& last, i32& count, CXMLData* record);
   IXMLResultSet* Collect(CXMLData* first, Accept accept, void* context);

@@ -134,16 +134,28 @@ bool CXML::LoadStream(IStream* stream) {
   }
   if (!result) return false;
   if (size != 0) (void)strings.Reserve(static_cast<u32>(size));
+  const u64 budget = u64(text.Size()) * kTextsPerByte + kTextsSlack;
+  strings.SetLimit(budget > UINT32_MAX ? UINT32_MAX : static_cast<u32>(budget));
+  // The parser takes several top-level elements; a document has one.
+  u32 elements = 0;
+  for (pugi::xml_node node = parsed.first_child(); node; node = node.next_sibling()) elements += node.type() == pugi::node_element;
+  if (elements > 1) {
+    error.Format("XML parse error %.8X at line 0, position 0: more than one top-level element", 0u);
+    return false;
+  }
   return BuildTree(parsed.document_element());
 }
 
 bool CXML::BuildTree(const pugi::xml_node& element) {
   if (!element) return false;
+  // The root record is reused from load to load; it starts afresh.
+  root.ResetForBuild();
   BuildState state;
   BuildNode(root, Source{element, {}}, nullptr, state, 0);
-  if (state.tooDeep) {
+  if (state.tooDeep || strings.LimitReached()) {
     Clear();
-    error.Format("XML nesting deeper than %u levels", kMaxDepth);
+    error.Format(state.tooDeep ? "XML nesting deeper than %u levels" : "XML texts beyond %u times the file's size",
+                 state.tooDeep ? kMaxDepth : kTextsPerByte);
     return false;
   }
   return true;

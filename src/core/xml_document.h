@@ -19,6 +19,10 @@ class CXML final : public IXML {
  public:
   // Deeper trees are refused: the tree is built and freed recursively.
   static constexpr u32 kMaxDepth = 256;
+  // Texts of a document may take this many times the bytes of its file, and 1 MiB more; a file
+  // whose texts would take more (a long namespace prefix copied into every element) is refused.
+  static constexpr u32 kTextsPerByte = 8;
+  static constexpr u32 kTextsSlack = 0x100000;
 
   CXML();
   CXML(const CXML&) = delete;

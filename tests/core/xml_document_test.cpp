@@ -91,7 +91,7 @@ TEST(XMLDocument, QueriesAndResultSets) {
 }
 
 TEST(XMLDocument, BadInputFailsWithTheParserCode) {
-  for (const char* text : {"<a><b></a>", "", "no markup"}) {
+  for (const char* text : {"<a><b></a>", "", "no markup", "<a/><b/>"}) {
     Loaded xml(text);
     EXPECT_FALSE(xml.ok) << text;
     const std::string error = xml.document->GetError();
@@ -103,6 +103,29 @@ TEST(XMLDocument, BadInputFailsWithTheParserCode) {
   for (int i = 0; i < 1000; ++i) deep += "<a>";
   for (int i = 0; i < 1000; ++i) deep += "</a>";
   EXPECT_FALSE(Loaded(deep).ok) << "nesting beyond the limit is refused";
+
+  // A long prefix that every unprefixed element would copy into its qualified name: 16 KB of file
+  // asking for 12 MB of texts.
+  std::string amplified = "<r xmlns:" + std::string(4000, 'p') + "=\"u\" xmlns=\"u\">";
+  for (int i = 0; i < 3000; ++i) amplified += "<a/>";
+  EXPECT_FALSE(Loaded(amplified + "</r>").ok);
+}
+
+TEST(XMLDocument, ASecondLoadStartsAfresh) {
+  const std::string text = "<r xmlns:p=\"u\" xmlns=\"u\">hello<a/></r>";
+  TReleaser<IXML> document(CreateXML());
+  for (const std::string& load : {text, text, std::string("<b/>")}) {
+    CByteBuffer bytes;
+    ASSERT_TRUE(bytes.SetSize(static_cast<u32>(load.size())));
+    std::memcpy(bytes.Data(), load.data(), load.size());
+    CMemoryStream stream(bytes);
+    ASSERT_TRUE(document->LoadStream(&stream));
+    if (load == text) {
+      EXPECT_EQ(QualifiedNames(document->GetRoot()), "p:r p:a");
+    }
+  }
+  EXPECT_STREQ(document->GetRoot()->GetValue(), "") << "nothing of the earlier root stays";
+  EXPECT_EQ(QualifiedNames(document->GetRoot()), "b");
 }
 
 }  // namespace
