@@ -1,5 +1,6 @@
 #include "mesh/export_mesh.h"
 
+#include <algorithm>
 #include <type_traits>
 
 #include "mesh/mesh_indices.h"
@@ -84,29 +85,62 @@ bool HasAlpha(u32 type) {
   }
 }
 
+constexpr u32 kMaxPaletteSlots = 0x10000;
+// Draw calls of a real mesh split its vertices and the bone map between them; ranges that add up
+// to far more mark a corrupt file, whose renumbering would cost draw calls times vertices.
+constexpr u64 kRenumberWorkPerItem = 16;
+constexpr u64 kRenumberWorkSlack = 0x10000;
+
+// The entries and vertices a draw call renumbers, clamped to the bone map and the mesh.
+struct CallRange {
+  u64 firstEntry, lastEntry, firstVertex, lastVertex;
+};
+
+CallRange RangeOf(const DrawCall& call, const ModelFile& model, u32 vertexCount, u32 paletteSize) {
+  // Without a palette no slot can be named, so the map entries are passed over.
+  const u64 lastEntry = paletteSize ? u64(call.firstBoneMapEntry) + call.boneMapEntryCount : 0;
+  const u64 lastVertex = u64(call.firstVertex) + call.vertexCount;
+  return {call.firstBoneMapEntry, lastEntry < model.boneMap.Count() ? lastEntry : model.boneMap.Count(),
+          call.firstVertex, lastVertex < vertexCount ? lastVertex : vertexCount};
+}
+
 // Stored bone numbers are slots of a palette that changes from draw call to draw call. Slots keep
 // the bone of an earlier draw call until a later one writes them; a slot never written, or a
-// number outside the palette, gives bone 0.
+// number outside the palette, gives bone 0. Only the slots up to the highest one written are kept.
 bool Renumber(ExportMesh& out, const ModelFile& model, const ModelMesh& mesh, bool rigid) {
   const u32 paletteSize = mesh.bonePaletteSize;
-  TArray<u32> slots;
-  if (!slots.Reserve(paletteSize) || !slots.SetSize(paletteSize)) return false;
-  const u64 lastDrawCall = u64(mesh.firstDrawCall) + mesh.drawCallCount;
-  for (u64 d = mesh.firstDrawCall; d < lastDrawCall && d < model.drawCalls.Count(); ++d) {
+  const u32 influenceCount = rigid ? 1 : 4;
+  const u64 lastDrawCall = std::min<u64>(u64(mesh.firstDrawCall) + mesh.drawCallCount, model.drawCalls.Count());
+  u64 work = 0;
+  u64 used = 0;
+  for (u64 d = mesh.firstDrawCall; d < lastDrawCall; ++d) {
     const DrawCall& call = model.drawCalls[u32(d)];
-    // Without a palette no slot can be named, so the map entries are passed over.
-    const u64 lastEntry = paletteSize ? u64(call.firstBoneMapEntry) + call.boneMapEntryCount : 0;
-    for (u64 e = call.firstBoneMapEntry; e < lastEntry && e < model.boneMap.Count(); ++e) {
+    const CallRange range = RangeOf(call, model, out.vertexCount, paletteSize);
+    work += (range.lastEntry > range.firstEntry ? range.lastEntry - range.firstEntry : 0) +
+            (range.lastVertex > range.firstVertex ? range.lastVertex - range.firstVertex : 0);
+    for (u64 e = range.firstEntry; e < range.lastEntry; ++e) {
+      used = std::max<u64>(used, (u64(model.boneMap[u32(e)].slot) + call.slotBase) % paletteSize + 1);
+    }
+  }
+  if (work > kRenumberWorkPerItem * (u64(out.vertexCount) + model.boneMap.Count()) + kRenumberWorkSlack) return false;
+  if (used > kMaxPaletteSlots) return false;
+  TArray<u32> slots;
+  if (!slots.Reserve(u32(used)) || !slots.SetSize(u32(used))) return false;
+
+  for (u64 d = mesh.firstDrawCall; d < lastDrawCall; ++d) {
+    const DrawCall& call = model.drawCalls[u32(d)];
+    const CallRange range = RangeOf(call, model, out.vertexCount, paletteSize);
+    for (u64 e = range.firstEntry; e < range.lastEntry; ++e) {
       const BoneMapEntry& entry = model.boneMap[u32(e)];
       slots[u32((u64(entry.slot) + call.slotBase) % paletteSize)] = entry.bone;
       if (rigid) DebugPrintA("%u - %u\n", u32(entry.slot), u32(entry.bone));
     }
-    const u64 lastVertex = u64(call.firstVertex) + call.vertexCount;
-    for (u64 v = call.firstVertex; v < lastVertex && v < out.vertexCount; ++v) {
+    for (u64 v = range.firstVertex; v < range.lastVertex; ++v) {
       ExportInfluence* influences = out.vertices[u32(v)].influences;
-      for (u32 k = 0; k < (rigid ? 1u : 4u); ++k) {
+      for (u32 k = 0; k < influenceCount; ++k) {
+        // Slots past the highest one written never were, and read as bone 0 like any unwritten one.
         const i32 slot = influences[k].bone;
-        influences[k].bone = slot >= 0 && u32(slot) < paletteSize ? i32(slots[u32(slot)]) : 0;
+        influences[k].bone = slot >= 0 && u32(slot) < used ? i32(slots[u32(slot)]) : 0;
       }
     }
   }

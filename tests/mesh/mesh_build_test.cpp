@@ -141,6 +141,8 @@ TEST(ExportMesh, SkinsRenumberSlotsThroughTheDrawCalls) {
       {"rigid: the binormal's fourth byte", kRigidSkinned, 4, {{10, 0}, {11, 0}, {20, 0}, {0, 0}}, 0},
       {"no palette: nothing to map", kSkinned, 0, {{0, 0}, {0, 0}, {0, 0}, {0, 0}}, 128 / 255.0f},
       {"slots beyond a palette of 2", kSkinned, 2, {{12, 11}, {11, 0}, {11, 0}, {0, 21}}, 128 / 255.0f},
+      {"a huge palette keeps only the slots named", kSkinned, 0x10000000, {{10, 11}, {11, 12}, {11, 20}, {0, 10}},
+       128 / 255.0f},
   };
   for (const Case& c : cases) {
     SCOPED_TRACE(c.what);
@@ -155,6 +157,19 @@ TEST(ExportMesh, SkinsRenumberSlotsThroughTheDrawCalls) {
     }
     EXPECT_FLOAT_EQ(out.vertices[0].influences[0].weight, 1.0f);
   }
+  // A draw call over vertices that an earlier one renumbered reads their bones as slots again:
+  // 10 and 11 lie past every slot written and give bone 0.
+  quad.model.drawCalls[1].firstVertex = 0;
+  quad.model.drawCalls[1].vertexCount = 4;
+  ExportMesh twice;
+  ASSERT_TRUE(Build(twice, quad.model, quad.mesh, &quad.layout, kSkinned));
+  EXPECT_EQ(twice.vertices[0].influences[0].bone, 0);
+  // Ranges adding up to far more than the mesh and its map mark a corrupt file.
+  quad.mesh.drawCallCount = 20000;
+  ASSERT_TRUE(quad.model.drawCalls.SetSize(20000));
+  for (DrawCall& call : quad.model.drawCalls) call = quad.model.drawCalls[1];
+  EXPECT_FALSE(Build(twice, quad.model, quad.mesh, &quad.layout, kSkinned));
+
   InputLayout noIndices;
   MakeLayout(noIndices, {{kPosition, kFloat3, 0, 1}, {kBlendWeight, kUbyte4n, 4}});
   ExportMesh out;
