@@ -17,17 +17,6 @@ void Clear(ExportMesh& out) {
   out.vertexCount = out.indexCount = out.flags = 0;
 }
 
-const LayoutEntry* Fitting(const ModelMesh& mesh, const InputLayout* layout, u32 usage) {
-  const LayoutEntry* entry = FindElement(layout, usage, 0);
-  return entry && ElementFits(mesh, *entry) ? entry : nullptr;
-}
-
-void Store(f32 (&to)[3], const Vec3& v) {
-  to[0] = v.x;
-  to[1] = v.y;
-  to[2] = v.z;
-}
-
 // One pass of one element over every vertex: `apply(vertex, cursor bytes, type)`.
 template <class Apply>
 void ForEachVertex(ExportMesh& out, const ModelMesh& mesh, const LayoutEntry& entry, Apply apply) {
@@ -41,16 +30,16 @@ void ForEachVertex(ExportMesh& out, const ModelMesh& mesh, const LayoutEntry& en
 Vec3 ReadUnit(const u8* bytes, u32 type) { return UnpackUnit(ReadVec3(bytes, type)); }
 
 void ReadNormalsAndFrame(ExportMesh& out, const ModelMesh& mesh, const InputLayout* layout) {
-  const LayoutEntry* normal = Fitting(mesh, layout, kNormal);
-  const LayoutEntry* tangent = Fitting(mesh, layout, kTangent);
-  const LayoutEntry* binormal = Fitting(mesh, layout, kBinormal);
+  const LayoutEntry* normal = FindFittingElement(mesh, layout, kNormal);
+  const LayoutEntry* tangent = FindFittingElement(mesh, layout, kTangent);
+  const LayoutEntry* binormal = FindFittingElement(mesh, layout, kBinormal);
   const bool frame = tangent && binormal;
   if (normal) {
     out.flags |= kHasNormal;
     ForEachVertex(out, mesh, *normal, [](ExportVertex& v, const u8* b, u32 t) {
       Vec3 n = ReadUnit(b, t);
       NormalizeVector(n);
-      Store(v.normal, n);
+      StoreVec3(v.normal, n);
     });
   }
   if (!frame) return;
@@ -61,19 +50,19 @@ void ReadNormalsAndFrame(ExportMesh& out, const ModelMesh& mesh, const InputLayo
   ForEachVertex(out, mesh, *binormal, [&](ExportVertex& v, const u8* b, u32 t) {
     Vec3 n = ReadUnit(b, t);
     normalize(n);
-    Store(v.binormal, n);
+    StoreVec3(v.binormal, n);
   });
   ForEachVertex(out, mesh, *tangent, [&](ExportVertex& v, const u8* b, u32 t) {
     Vec3 n = ReadUnit(b, t);
     normalize(n);
-    Store(v.tangent, n);
+    StoreVec3(v.tangent, n);
   });
   if (normal) return;
   out.flags |= kHasNormal;
   ForEachVertex(out, mesh, *tangent, [](ExportVertex& v, const u8* b, u32 t) {
     const Vec3 tangentVector{v.tangent[0], v.tangent[1], v.tangent[2]};
     const Vec3 binormalVector{v.binormal[0], v.binormal[1], v.binormal[2]};
-    Store(v.normal, DeriveNormal(tangentVector, binormalVector, ReadVec4(b, t).w));
+    StoreVec3(v.normal, DeriveNormal(tangentVector, binormalVector, ReadVec4(b, t).w));
   });
 }
 
@@ -152,8 +141,8 @@ bool ReadInfluences(ExportMesh& out, const ModelFile& model, const ModelMesh& me
   const bool skinned = materialFlags & kSkinned;
   if (!skinned && !(materialFlags & kRigidSkinned)) return true;
   if (skinned) {
-    const LayoutEntry* weights = Fitting(mesh, layout, kBlendWeight);
-    const LayoutEntry* indices = Fitting(mesh, layout, kBlendIndices);
+    const LayoutEntry* weights = FindFittingElement(mesh, layout, kBlendWeight);
+    const LayoutEntry* indices = FindFittingElement(mesh, layout, kBlendIndices);
     if (!weights || !indices) return true;
     ForEachVertex(out, mesh, *indices, [](ExportVertex& v, const u8* b, u32 t) {
       const Int4 bones = ReadInt4(b, t);
@@ -165,7 +154,7 @@ bool ReadInfluences(ExportMesh& out, const ModelFile& model, const ModelMesh& me
       for (u32 k = 0; k < 4; ++k) v.influences[k].weight = values[k];
     });
   } else {
-    const LayoutEntry* binormal = Fitting(mesh, layout, kBinormal);
+    const LayoutEntry* binormal = FindFittingElement(mesh, layout, kBinormal);
     if (!binormal) return true;
     // A rigid vertex follows one bone, kept in the binormal's fourth value.
     ForEachVertex(out, mesh, *binormal, [](ExportVertex& v, const u8* b, u32 t) {
@@ -183,7 +172,7 @@ bool Build(ExportMesh& out, const ModelFile& model, const ModelMesh& mesh, const
            u32 materialFlags) {
   Clear(out);
   // A Position that doesn't fit its stream fails the mesh, rather than reading outside it.
-  const LayoutEntry* position = Fitting(mesh, layout, kPosition);
+  const LayoutEntry* position = FindFittingElement(mesh, layout, kPosition);
   const u32 vertexCount = mesh.vertexCount;
   if (!ReadIndices(mesh, out.indices) || !position || !out.vertices.Reserve(vertexCount) ||
       !out.vertices.SetSize(vertexCount)) {
@@ -198,7 +187,7 @@ bool Build(ExportMesh& out, const ModelFile& model, const ModelMesh& mesh, const
   }
   out.vertexCount = vertexCount;
   out.flags = kHasPosition;
-  ForEachVertex(out, mesh, *position, [](ExportVertex& v, const u8* b, u32 t) { Store(v.position, ReadVec3(b, t)); });
+  ForEachVertex(out, mesh, *position, [](ExportVertex& v, const u8* b, u32 t) { StoreVec3(v.position, ReadVec3(b, t)); });
 
   ReadNormalsAndFrame(out, mesh, layout);
   for (u32 channel = 0; channel < kUvChannels; ++channel) {
@@ -212,7 +201,7 @@ bool Build(ExportMesh& out, const ModelFile& model, const ModelMesh& mesh, const
     });
   }
   // A Color that doesn't fit is passed over like any other optional element.
-  if (const LayoutEntry* color = Fitting(mesh, layout, kColor)) {
+  if (const LayoutEntry* color = FindFittingElement(mesh, layout, kColor)) {
     out.flags |= kHasColor;
     const bool alpha = HasAlpha(color->type);
     if (alpha) out.flags |= kHasColorAlpha;

@@ -11,18 +11,7 @@ void Clear(PreviewMesh& out) {
   out.vertexCount = out.indexCount = 0;
 }
 
-void Store(f32 (&to)[3], const Vec3& v) {
-  to[0] = v.x;
-  to[1] = v.y;
-  to[2] = v.z;
-}
-
 Vec3 Load(const f32 (&from)[3]) { return {from[0], from[1], from[2]}; }
-
-const LayoutEntry* Fitting(const ModelMesh& mesh, const InputLayout* layout, u32 usage) {
-  const LayoutEntry* entry = FindElement(layout, usage, 0);
-  return entry && ElementFits(mesh, *entry) ? entry : nullptr;
-}
 
 template <class Apply>
 void ForEachVertex(PreviewMesh& out, const ModelMesh& mesh, const LayoutEntry& entry, Apply apply) {
@@ -35,27 +24,27 @@ void ForEachVertex(PreviewMesh& out, const ModelMesh& mesh, const LayoutEntry& e
 
 // The stored vertices, with stored or derived normals.
 void BuildIndexed(PreviewMesh& out, const ModelMesh& mesh, const InputLayout* layout, const LayoutEntry& position) {
-  ForEachVertex(out, mesh, position, [](PreviewVertex& v, const u8* b, u32 t) { Store(v.position, ReadVec3(b, t)); });
-  if (const LayoutEntry* normal = Fitting(mesh, layout, kNormal)) {
+  ForEachVertex(out, mesh, position, [](PreviewVertex& v, const u8* b, u32 t) { StoreVec3(v.position, ReadVec3(b, t)); });
+  if (const LayoutEntry* normal = FindFittingElement(mesh, layout, kNormal)) {
     ForEachVertex(out, mesh, *normal, [](PreviewVertex& v, const u8* b, u32 t) {
       Vec3 n = UnpackUnit(ReadVec3(b, t));
       NormalizeVector(n);
-      Store(v.normal, n);
+      StoreVec3(v.normal, n);
     });
   } else {
     // The binormal goes through the normal field on its way to the cross product.
-    ForEachVertex(out, mesh, *Fitting(mesh, layout, kBinormal), [](PreviewVertex& v, const u8* b, u32 t) {
+    ForEachVertex(out, mesh, *FindFittingElement(mesh, layout, kBinormal), [](PreviewVertex& v, const u8* b, u32 t) {
       Vec3 n = UnpackUnit(ReadVec3(b, t));
       NormalizeByLength(n);
-      Store(v.normal, n);
+      StoreVec3(v.normal, n);
     });
-    ForEachVertex(out, mesh, *Fitting(mesh, layout, kTangent), [](PreviewVertex& v, const u8* b, u32 t) {
+    ForEachVertex(out, mesh, *FindFittingElement(mesh, layout, kTangent), [](PreviewVertex& v, const u8* b, u32 t) {
       Vec3 tangent = UnpackUnit(ReadVec3(b, t));
       NormalizeByLength(tangent);
-      Store(v.normal, DeriveNormal(tangent, Load(v.normal), ReadVec4(b, t).w));
+      StoreVec3(v.normal, DeriveNormal(tangent, Load(v.normal), ReadVec4(b, t).w));
     });
   }
-  if (const LayoutEntry* uv = Fitting(mesh, layout, kTexcoord)) {
+  if (const LayoutEntry* uv = FindFittingElement(mesh, layout, kTexcoord)) {
     ForEachVertex(out, mesh, *uv, [](PreviewVertex& v, const u8* b, u32 t) {
       const Vec2 read = ReadVec2(b, t);
       v.uv[0] = read.x;
@@ -80,7 +69,7 @@ void ForEachCorner(PreviewMesh& out, const ModelMesh& mesh, const LayoutEntry& e
 // Face normals on an unindexed copy, for meshes that carry no normal data. Only whole triangles
 // get a normal; a last one or two indices keep a zero one.
 void BuildFlat(PreviewMesh& out, const ModelMesh& mesh, const InputLayout* layout, const LayoutEntry& position) {
-  ForEachCorner(out, mesh, position, [](PreviewVertex& v, const u8* b, u32 t) { Store(v.position, ReadVec3(b, t)); });
+  ForEachCorner(out, mesh, position, [](PreviewVertex& v, const u8* b, u32 t) { StoreVec3(v.position, ReadVec3(b, t)); });
   for (u32 i = 0; i + 2 < out.vertexCount; i += 3) {
     const Vec3 a = Load(out.vertices[i].position);
     const Vec3 b = Load(out.vertices[i + 1].position);
@@ -88,9 +77,9 @@ void BuildFlat(PreviewMesh& out, const ModelMesh& mesh, const InputLayout* layou
     const Vec3 e1{b.x - a.x, b.y - a.y, b.z - a.z};
     const Vec3 e2{c.x - a.x, c.y - a.y, c.z - a.z};
     const Vec3 normal{e1.y * e2.z - e1.z * e2.y, e1.z * e2.x - e1.x * e2.z, e1.x * e2.y - e1.y * e2.x};
-    for (u32 k = 0; k < 3; ++k) Store(out.vertices[i + k].normal, normal);
+    for (u32 k = 0; k < 3; ++k) StoreVec3(out.vertices[i + k].normal, normal);
   }
-  if (const LayoutEntry* uv = Fitting(mesh, layout, kTexcoord)) {
+  if (const LayoutEntry* uv = FindFittingElement(mesh, layout, kTexcoord)) {
     ForEachCorner(out, mesh, *uv, [](PreviewVertex& v, const u8* b, u32 t) {
       const Vec2 read = ReadVec2(b, t);
       v.uv[0] = read.x;
@@ -105,7 +94,7 @@ void BuildFlat(PreviewMesh& out, const ModelMesh& mesh, const InputLayout* layou
 
 bool BuildPreview(PreviewMesh& out, const ModelMesh& mesh, const InputLayout* layout) {
   Clear(out);
-  const LayoutEntry* position = Fitting(mesh, layout, kPosition);
+  const LayoutEntry* position = FindFittingElement(mesh, layout, kPosition);
   if (!ReadIndices(mesh, out.indices) || !position) {
     Clear(out);
     return false;

@@ -2,12 +2,6 @@
 
 #include <cmath>
 
-namespace {
-
-bool Fits(const ModelMesh& mesh, const LayoutEntry* entry) { return entry && ElementFits(mesh, *entry); }
-
-}  // namespace
-
 Vec3 UnpackUnit(Vec3 v) { return {v.x * 2.0f - 1.0f, v.y * 2.0f - 1.0f, v.z * 2.0f - 1.0f}; }
 
 f32 VectorLength(const Vec3& v) {
@@ -47,6 +41,6 @@ Vec3 DeriveNormal(const Vec3& t, const Vec3& b, f32 tangentW) {
 
 bool HasNormalSource(const ModelMesh& mesh, const InputLayout* layout) {
   if (!layout) return false;
-  if (Fits(mesh, FindElement(layout, kNormal, 0))) return true;
-  return Fits(mesh, FindElement(layout, kBinormal, 0)) && Fits(mesh, FindElement(layout, kTangent, 0));
+  if (FindFittingElement(mesh, layout, kNormal)) return true;
+  return FindFittingElement(mesh, layout, kBinormal) && FindFittingElement(mesh, layout, kTangent);
 }

@@ -75,6 +75,11 @@ bool ElementFits(const ModelMesh& mesh, const LayoutEntry& entry) {
   return mesh.streams[entry.stream].stride >= u64(entry.offset) + ElementSize(entry.type);
 }
 
+const LayoutEntry* FindFittingElement(const ModelMesh& mesh, const InputLayout* layout, u32 usage) {
+  const LayoutEntry* entry = FindElement(layout, usage, 0);
+  return entry && ElementFits(mesh, *entry) ? entry : nullptr;
+}
+
 StreamCursor::StreamCursor(const ModelMesh& mesh, const LayoutEntry& entry) : type(entry.type), offset(entry.offset) {
   if (!ElementFits(mesh, entry)) return;
   stream = &mesh.streams[entry.stream];

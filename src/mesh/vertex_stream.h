@@ -27,6 +27,14 @@ inline u32 ElementSize(u32 type) { return LayoutTypeSize(type); }
 const LayoutEntry* FindElement(const InputLayout* layout, u32 usage, u32 usageIndex);
 // The entry's stream exists and one vertex of it holds the whole element.
 bool ElementFits(const ModelMesh& mesh, const LayoutEntry& entry);
+// The element of `usage` with usage index 0 when there is one that fits its stream, else null.
+const LayoutEntry* FindFittingElement(const ModelMesh& mesh, const InputLayout* layout, u32 usage);
+
+inline void StoreVec3(f32 (&to)[3], const Vec3& v) {
+  to[0] = v.x;
+  to[1] = v.y;
+  to[2] = v.z;
+}
 
 // One element of one stream at the current vertex. `data` is null when the element can't be read;
 // every read of a null `data` gives zeros.
