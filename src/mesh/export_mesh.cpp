@@ -17,16 +17,6 @@ void Clear(ExportMesh& out) {
   out.vertexCount = out.indexCount = out.flags = 0;
 }
 
-// One pass of one element over every vertex: `apply(vertex, cursor bytes, type)`.
-template <class Apply>
-void ForEachVertex(ExportMesh& out, const ModelMesh& mesh, const LayoutEntry& entry, Apply apply) {
-  StreamCursor cursor(mesh, entry);
-  for (ExportVertex& vertex : out.vertices) {
-    apply(vertex, cursor.data, cursor.type);
-    cursor.Step();
-  }
-}
-
 Vec3 ReadUnit(const u8* bytes, u32 type) { return UnpackUnit(ReadVec3(bytes, type)); }
 
 void ReadNormalsAndFrame(ExportMesh& out, const ModelMesh& mesh, const InputLayout* layout) {
@@ -36,7 +26,7 @@ void ReadNormalsAndFrame(ExportMesh& out, const ModelMesh& mesh, const InputLayo
   const bool frame = tangent && binormal;
   if (normal) {
     out.flags |= kHasNormal;
-    ForEachVertex(out, mesh, *normal, [](ExportVertex& v, const u8* b, u32 t) {
+    ForEachVertex(out.vertices, mesh, *normal, [](ExportVertex& v, const u8* b, u32 t) {
       Vec3 n = ReadUnit(b, t);
       NormalizeVector(n);
       StoreVec3(v.normal, n);
@@ -47,19 +37,19 @@ void ReadNormalsAndFrame(ExportMesh& out, const ModelMesh& mesh, const InputLayo
   // Beside a stored normal the frame is kept with the axis shortcut; without one it only derives
   // the normal, and then the shortcut doesn't apply.
   const auto normalize = normal ? &NormalizeVector : &NormalizeByLength;
-  ForEachVertex(out, mesh, *binormal, [&](ExportVertex& v, const u8* b, u32 t) {
+  ForEachVertex(out.vertices, mesh, *binormal, [&](ExportVertex& v, const u8* b, u32 t) {
     Vec3 n = ReadUnit(b, t);
     normalize(n);
     StoreVec3(v.binormal, n);
   });
-  ForEachVertex(out, mesh, *tangent, [&](ExportVertex& v, const u8* b, u32 t) {
+  ForEachVertex(out.vertices, mesh, *tangent, [&](ExportVertex& v, const u8* b, u32 t) {
     Vec3 n = ReadUnit(b, t);
     normalize(n);
     StoreVec3(v.tangent, n);
   });
   if (normal) return;
   out.flags |= kHasNormal;
-  ForEachVertex(out, mesh, *tangent, [](ExportVertex& v, const u8* b, u32 t) {
+  ForEachVertex(out.vertices, mesh, *tangent, [](ExportVertex& v, const u8* b, u32 t) {
     const Vec3 tangentVector{v.tangent[0], v.tangent[1], v.tangent[2]};
     const Vec3 binormalVector{v.binormal[0], v.binormal[1], v.binormal[2]};
     StoreVec3(v.normal, DeriveNormal(tangentVector, binormalVector, ReadVec4(b, t).w));
@@ -144,11 +134,11 @@ bool ReadInfluences(ExportMesh& out, const ModelFile& model, const ModelMesh& me
     const LayoutEntry* weights = FindFittingElement(mesh, layout, kBlendWeight);
     const LayoutEntry* indices = FindFittingElement(mesh, layout, kBlendIndices);
     if (!weights || !indices) return true;
-    ForEachVertex(out, mesh, *indices, [](ExportVertex& v, const u8* b, u32 t) {
+    ForEachVertex(out.vertices, mesh, *indices, [](ExportVertex& v, const u8* b, u32 t) {
       const Int4 bones = ReadInt4(b, t);
       for (u32 k = 0; k < 4; ++k) v.influences[k].bone = bones.v[k];
     });
-    ForEachVertex(out, mesh, *weights, [](ExportVertex& v, const u8* b, u32 t) {
+    ForEachVertex(out.vertices, mesh, *weights, [](ExportVertex& v, const u8* b, u32 t) {
       const Vec4 w = ReadVec4(b, t);
       const f32 values[4] = {w.x, w.y, w.z, w.w};
       for (u32 k = 0; k < 4; ++k) v.influences[k].weight = values[k];
@@ -157,7 +147,7 @@ bool ReadInfluences(ExportMesh& out, const ModelFile& model, const ModelMesh& me
     const LayoutEntry* binormal = FindFittingElement(mesh, layout, kBinormal);
     if (!binormal) return true;
     // A rigid vertex follows one bone, kept in the binormal's fourth value.
-    ForEachVertex(out, mesh, *binormal, [](ExportVertex& v, const u8* b, u32 t) {
+    ForEachVertex(out.vertices, mesh, *binormal, [](ExportVertex& v, const u8* b, u32 t) {
       v.influences[0] = {ReadInt4(b, t).v[3], 1.0f};
       for (u32 k = 1; k < 4; ++k) v.influences[k] = {0, 0};
     });
@@ -187,14 +177,14 @@ bool Build(ExportMesh& out, const ModelFile& model, const ModelMesh& mesh, const
   }
   out.vertexCount = vertexCount;
   out.flags = kHasPosition;
-  ForEachVertex(out, mesh, *position, [](ExportVertex& v, const u8* b, u32 t) { StoreVec3(v.position, ReadVec3(b, t)); });
+  ForEachVertex(out.vertices, mesh, *position, [](ExportVertex& v, const u8* b, u32 t) { StoreVec3(v.position, ReadVec3(b, t)); });
 
   ReadNormalsAndFrame(out, mesh, layout);
   for (u32 channel = 0; channel < kUvChannels; ++channel) {
     const LayoutEntry* uv = FindElement(layout, kTexcoord, channel);
     if (!uv || !ElementFits(mesh, *uv)) continue;
     out.flags |= HasUv(channel);
-    ForEachVertex(out, mesh, *uv, [channel](ExportVertex& v, const u8* b, u32 t) {
+    ForEachVertex(out.vertices, mesh, *uv, [channel](ExportVertex& v, const u8* b, u32 t) {
       const Vec2 read = ReadVec2(b, t);
       v.uv[channel][0] = read.x;
       v.uv[channel][1] = read.y;
@@ -205,7 +195,7 @@ bool Build(ExportMesh& out, const ModelFile& model, const ModelMesh& mesh, const
     out.flags |= kHasColor;
     const bool alpha = HasAlpha(color->type);
     if (alpha) out.flags |= kHasColorAlpha;
-    ForEachVertex(out, mesh, *color, [alpha](ExportVertex& v, const u8* b, u32 t) {
+    ForEachVertex(out.vertices, mesh, *color, [alpha](ExportVertex& v, const u8* b, u32 t) {
       const Vec4 c = alpha ? ReadVec4(b, t) : Vec4{};
       const Vec3 rgb = alpha ? Vec3{c.x, c.y, c.z} : ReadVec3(b, t);
       v.color[0] = rgb.x;

@@ -13,39 +13,30 @@ void Clear(PreviewMesh& out) {
 
 Vec3 Load(const f32 (&from)[3]) { return {from[0], from[1], from[2]}; }
 
-template <class Apply>
-void ForEachVertex(PreviewMesh& out, const ModelMesh& mesh, const LayoutEntry& entry, Apply apply) {
-  StreamCursor cursor(mesh, entry);
-  for (PreviewVertex& vertex : out.vertices) {
-    apply(vertex, cursor.data, cursor.type);
-    cursor.Step();
-  }
-}
-
 // The stored vertices, with stored or derived normals.
 void BuildIndexed(PreviewMesh& out, const ModelMesh& mesh, const InputLayout* layout, const LayoutEntry& position) {
-  ForEachVertex(out, mesh, position, [](PreviewVertex& v, const u8* b, u32 t) { StoreVec3(v.position, ReadVec3(b, t)); });
+  ForEachVertex(out.vertices, mesh, position, [](PreviewVertex& v, const u8* b, u32 t) { StoreVec3(v.position, ReadVec3(b, t)); });
   if (const LayoutEntry* normal = FindFittingElement(mesh, layout, kNormal)) {
-    ForEachVertex(out, mesh, *normal, [](PreviewVertex& v, const u8* b, u32 t) {
+    ForEachVertex(out.vertices, mesh, *normal, [](PreviewVertex& v, const u8* b, u32 t) {
       Vec3 n = UnpackUnit(ReadVec3(b, t));
       NormalizeVector(n);
       StoreVec3(v.normal, n);
     });
   } else {
     // The binormal goes through the normal field on its way to the cross product.
-    ForEachVertex(out, mesh, *FindFittingElement(mesh, layout, kBinormal), [](PreviewVertex& v, const u8* b, u32 t) {
+    ForEachVertex(out.vertices, mesh, *FindFittingElement(mesh, layout, kBinormal), [](PreviewVertex& v, const u8* b, u32 t) {
       Vec3 n = UnpackUnit(ReadVec3(b, t));
       NormalizeByLength(n);
       StoreVec3(v.normal, n);
     });
-    ForEachVertex(out, mesh, *FindFittingElement(mesh, layout, kTangent), [](PreviewVertex& v, const u8* b, u32 t) {
+    ForEachVertex(out.vertices, mesh, *FindFittingElement(mesh, layout, kTangent), [](PreviewVertex& v, const u8* b, u32 t) {
       Vec3 tangent = UnpackUnit(ReadVec3(b, t));
       NormalizeByLength(tangent);
       StoreVec3(v.normal, DeriveNormal(tangent, Load(v.normal), ReadVec4(b, t).w));
     });
   }
   if (const LayoutEntry* uv = FindFittingElement(mesh, layout, kTexcoord)) {
-    ForEachVertex(out, mesh, *uv, [](PreviewVertex& v, const u8* b, u32 t) {
+    ForEachVertex(out.vertices, mesh, *uv, [](PreviewVertex& v, const u8* b, u32 t) {
       const Vec2 read = ReadVec2(b, t);
       v.uv[0] = read.x;
       v.uv[1] = read.y;

@@ -61,3 +61,14 @@ Vec2 ReadVec2(const u8* bytes, u32 type);
 Vec3 ReadVec3(const u8* bytes, u32 type);
 Vec4 ReadVec4(const u8* bytes, u32 type);
 Int4 ReadInt4(const u8* bytes, u32 type);
+
+// One pass of one element over every record of a converter's vertex array, in vertex order:
+// `apply(record, element bytes, type)`.
+template <class Vertices, class Apply>
+void ForEachVertex(Vertices& vertices, const ModelMesh& mesh, const LayoutEntry& entry, Apply apply) {
+  StreamCursor cursor(mesh, entry);
+  for (auto& vertex : vertices) {
+    apply(vertex, cursor.data, cursor.type);
+    cursor.Step();
+  }
+}
