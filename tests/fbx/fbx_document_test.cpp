@@ -15,8 +15,10 @@ using testsupport::FbxReadRecord;
 
 std::string WriteEmptyScene(const FbxCreationTime& time) {
   FbxRecord document;
-  const FbxDocumentInfo info{"Tarnwick export", "Model exported by Tarnwick", "Tarnwick.exe", "1.0", "", ""};
-  EXPECT_TRUE(BuildDocumentSections(document, time, info, "Tarnwick", 100.0));
+  FbxDocumentInfo info;
+  EXPECT_TRUE(info.mTitle.Assign("Tarnwick export") && info.mSubject.Assign("Model exported by Tarnwick") &&
+              info.mAuthor.Assign("Tarnwick.exe") && info.mRevision.Assign("1.0"));
+  EXPECT_TRUE(BuildDocumentSections(document, time, &info, "Tarnwick", 100.0, 100.0));
   char text[24];
   FormatCreationTime(time, text);
   CByteBuffer out;

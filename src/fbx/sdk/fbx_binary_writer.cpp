@@ -2,10 +2,12 @@
 
 #include <libdeflate.h>
 
+#include <atomic>
 #include <cstring>
 #include <memory>
 
 #include "fbx/sdk/fbx_file_id.h"
+#include "platform/parallel_for.h"
 
 namespace {
 
@@ -18,6 +20,7 @@ constexpr u32 kFooterZeros = 120;
 constexpr u8 kEndMagic[16] = {0xF8, 0x5A, 0x8C, 0x6A, 0xDE, 0xF5, 0xD9, 0x7E,
                               0xEC, 0xE9, 0x0C, 0xE3, 0x75, 0x8F, 0x29, 0x0B};
 constexpr int kDeflateLevel = 1;
+constexpr u32 kMaxCompressors = 8;
 
 struct CompressorDeleter {
   void operator()(libdeflate_compressor* c) const { libdeflate_free_compressor(c); }
@@ -33,25 +36,51 @@ struct Packed {
 
 constexpr size_t kMaxNameLength = 255;
 
-// Deflates every large array, and checks the names: the format keeps a name's length in one byte.
-bool Pack(const FbxRecord& record, libdeflate_compressor* compressor, Packed& packed) {
+// Lists the arrays to deflate in the order the writer meets them, and checks the names: the
+// format keeps a name's length in one byte.
+bool CollectLarge(const FbxRecord& record, TArray<const FbxRecordValue*>& large) {
   if (std::strlen(record.name.Text()) > kMaxNameLength) return false;
-  for (const FbxProperty& property : record.properties) {
+  for (const FbxRecordValue& property : record.properties) {
     if (!IsArray(property.code) || property.bytes.Size() <= kFbxDeflateAbove) continue;
-    CByteBuffer* stream = packed.streams.Append();
-    const size_t bound = libdeflate_zlib_compress_bound(compressor, property.bytes.Size());
-    if (!stream || bound > UINT32_MAX || !stream->SetSize(static_cast<u32>(bound))) return false;
-    const size_t size = libdeflate_zlib_compress(compressor, property.bytes.Data(), property.bytes.Size(),
-                                                 stream->Data(), bound);
-    if (size == 0 || !stream->SetSize(static_cast<u32>(size))) return false;
+    const FbxRecordValue** slot = large.Append();
+    if (!slot) return false;
+    *slot = &property;
   }
   for (const FbxRecord& child : record.children) {
-    if (!Pack(child, compressor, packed)) return false;
+    if (!CollectLarge(child, large)) return false;
   }
   return true;
 }
 
-u64 PropertySize(const FbxProperty& property, const Packed& packed, u32& packedIndex) {
+// Deflates the large arrays on every processor: they are independent, and compression is most of
+// the time a file takes to write. Each worker has a compressor of its own.
+bool Pack(const FbxRecord& document, Packed& packed) {
+  TArray<const FbxRecordValue*> large;
+  if (!CollectLarge(document, large) || !packed.streams.SetSize(large.Count())) return false;
+  const u32 workers = ProcessorCount();
+  std::unique_ptr<libdeflate_compressor, CompressorDeleter> compressors[kMaxCompressors];
+  for (u32 i = 0; i < workers && i < kMaxCompressors; ++i) {
+    compressors[i].reset(libdeflate_alloc_compressor(kDeflateLevel));
+    if (!compressors[i]) return false;
+  }
+  std::atomic<bool> failed{false};
+  auto deflate = [&](u32 worker, u32 item) {
+    libdeflate_compressor* compressor = compressors[worker].get();
+    const CByteBuffer& raw = large[item]->bytes;
+    CByteBuffer& stream = packed.streams[item];
+    const size_t bound = libdeflate_zlib_compress_bound(compressor, raw.Size());
+    if (bound > UINT32_MAX || !stream.SetSize(static_cast<u32>(bound))) {
+      failed = true;
+      return;
+    }
+    const size_t size = libdeflate_zlib_compress(compressor, raw.Data(), raw.Size(), stream.Data(), bound);
+    if (size == 0 || !stream.SetSize(static_cast<u32>(size))) failed = true;
+  };
+  ParallelFor(large.Count(), workers < kMaxCompressors ? workers : kMaxCompressors, deflate);
+  return !failed;
+}
+
+u64 PropertySize(const FbxRecordValue& property, const Packed& packed, u32& packedIndex) {
   switch (property.code) {
     case 'C': return 1 + 1;
     case 'Y': return 1 + 2;
@@ -66,7 +95,7 @@ u64 PropertySize(const FbxProperty& property, const Packed& packed, u32& packedI
 
 u64 PropertiesSize(const FbxRecord& record, const Packed& packed, u32& packedIndex) {
   u64 size = 0;
-  for (const FbxProperty& property : record.properties) size += PropertySize(property, packed, packedIndex);
+  for (const FbxRecordValue& property : record.properties) size += PropertySize(property, packed, packedIndex);
   return size;
 }
 
@@ -101,7 +130,7 @@ class Emitter {
   u32 at = 0;
 };
 
-void EmitProperty(Emitter& out, const FbxProperty& property, Packed& packed) {
+void EmitProperty(Emitter& out, const FbxRecordValue& property, Packed& packed) {
   out.Value<char>(property.code);
   switch (property.code) {
     case 'C': out.Value<u8>(static_cast<u8>(property.integer)); return;
@@ -135,7 +164,7 @@ void EmitRecord(Emitter& out, const FbxRecord& record, Packed& packed) {
   out.Value<u32>(static_cast<u32>(propertyBytes));
   out.Value<u8>(static_cast<u8>(nameLength));
   out.Bytes(record.name.Text(), nameLength);
-  for (const FbxProperty& property : record.properties) EmitProperty(out, property, packed);
+  for (const FbxRecordValue& property : record.properties) EmitProperty(out, property, packed);
   for (const FbxRecord& child : record.children) EmitRecord(out, child, packed);
   if (record.children.Count() || record.block) out.Zeros(kRecordHeaderSize);
   out.PatchU32(start, out.Position());
@@ -144,9 +173,8 @@ void EmitRecord(Emitter& out, const FbxRecord& record, Packed& packed) {
 }  // namespace
 
 bool WriteFbxBinary(const FbxRecord& document, const char* creationTime, CByteBuffer& out) {
-  std::unique_ptr<libdeflate_compressor, CompressorDeleter> compressor(libdeflate_alloc_compressor(kDeflateLevel));
   Packed packed;
-  if (!compressor || !Pack(document, compressor.get(), packed)) return false;
+  if (!Pack(document, packed)) return false;
 
   u32 packedIndex = 0;
   u64 size = kHeaderSize + kRecordHeaderSize;

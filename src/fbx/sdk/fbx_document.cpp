@@ -26,7 +26,7 @@ bool AddText(FbxRecord* parent, const char* name, const char* value) {
   return record && record->AddString(value);
 }
 
-bool HeaderExtension(FbxRecord& document, const FbxCreationTime& time, const FbxDocumentInfo& info) {
+bool HeaderExtension(FbxRecord& document, const FbxCreationTime& time, const FbxDocumentInfo* info) {
   FbxRecord* header = document.AddChild("FBXHeaderExtension", true);
   if (!AddInt(header, "FBXHeaderVersion", kHeaderVersion) || !AddInt(header, "FBXVersion", i32(kFbxFileVersion)) ||
       !AddInt(header, "EncryptionType", 0)) {
@@ -45,10 +45,12 @@ bool HeaderExtension(FbxRecord& document, const FbxCreationTime& time, const Fbx
     return false;
   }
   FbxRecord* meta = sceneInfo->AddChild("MetaData", true);
-  if (!AddInt(meta, "Version", kBlockVersion) || !AddText(meta, "Title", info.title) ||
-      !AddText(meta, "Subject", info.subject) || !AddText(meta, "Author", info.author) ||
-      !AddText(meta, "Keywords", info.keywords) || !AddText(meta, "Revision", info.revision) ||
-      !AddText(meta, "Comment", info.comment)) {
+  const FbxDocumentInfo none;
+  const FbxDocumentInfo& i = info ? *info : none;
+  if (!AddInt(meta, "Version", kBlockVersion) || !AddText(meta, "Title", i.mTitle.Text()) ||
+      !AddText(meta, "Subject", i.mSubject.Text()) || !AddText(meta, "Author", i.mAuthor.Text()) ||
+      !AddText(meta, "Keywords", i.mKeywords.Text()) || !AddText(meta, "Revision", i.mRevision.Text()) ||
+      !AddText(meta, "Comment", i.mComment.Text())) {
     return false;
   }
   FbxRecord* p = sceneInfo->AddChild("Properties70", true);
@@ -67,7 +69,7 @@ bool HeaderExtension(FbxRecord& document, const FbxCreationTime& time, const Fbx
   return ok;
 }
 
-bool GlobalSettings(FbxRecord& document, f64 unitScaleFactor) {
+bool GlobalSettings(FbxRecord& document, f64 unitScaleFactor, f64 originalUnitScaleFactor) {
   FbxRecord* settings = document.AddChild("GlobalSettings", true);
   if (!AddInt(settings, "Version", kGlobalSettingsVersion)) return false;
   FbxRecord* p = settings->AddChild("Properties70", true);
@@ -80,7 +82,7 @@ bool GlobalSettings(FbxRecord& document, f64 unitScaleFactor) {
     if (!AddIntRow(*p, name, "int", "Integer", "", value)) return false;
   }
   return AddDoubleRow(*p, "UnitScaleFactor", "double", "Number", "", {unitScaleFactor}) &&
-         AddDoubleRow(*p, "OriginalUnitScaleFactor", "double", "Number", "", {unitScaleFactor}) &&
+         AddDoubleRow(*p, "OriginalUnitScaleFactor", "double", "Number", "", {originalUnitScaleFactor}) &&
          AddDoubleRow(*p, "AmbientColor", "ColorRGB", "Color", "", {0, 0, 0}) &&
          AddStringRow(*p, "DefaultCamera", "KString", "", "", "Producer Perspective") &&
          AddIntRow(*p, "TimeMode", "enum", "", "", 0) && AddIntRow(*p, "TimeProtocol", "enum", "", "", 2) &&
@@ -120,8 +122,8 @@ void FormatCreationTime(const FbxCreationTime& t, char (&out)[24]) {
                 digits(t.millisecond, 1000));
 }
 
-bool BuildDocumentSections(FbxRecord& document, const FbxCreationTime& time, const FbxDocumentInfo& info,
-                           const char* sceneName, f64 unitScaleFactor) {
+bool BuildDocumentSections(FbxRecord& document, const FbxCreationTime& time, const FbxDocumentInfo* info,
+                           const char* sceneName, f64 unitScaleFactor, f64 originalUnitScaleFactor) {
   char text[24];
   FormatCreationTime(time, text);
   u8 id[16];
@@ -129,7 +131,7 @@ bool BuildDocumentSections(FbxRecord& document, const FbxCreationTime& time, con
   if (!HeaderExtension(document, time, info)) return false;
   FbxRecord* fileId = document.AddChild("FileId");
   if (!fileId || !fileId->AddRaw(id, sizeof(id)) || !AddText(&document, "CreationTime", text) ||
-      !AddText(&document, "Creator", kCreator) || !GlobalSettings(document, unitScaleFactor) ||
+      !AddText(&document, "Creator", kCreator) || !GlobalSettings(document, unitScaleFactor, originalUnitScaleFactor) ||
       !Documents(document, sceneName) || !Definitions(document)) {
     return false;
   }

@@ -6,6 +6,15 @@
 // rotations in degrees in XYZ order (R = Rz * Ry * Rx, X applied first), and the global matrix of
 // a node as the parent's global times T * R * S.
 
+struct FbxVector2 {
+  f64 x = 0, y = 0;
+};
+
+struct FbxDouble3 {
+  f64 x = 0, y = 0, z = 0;
+  bool operator==(const FbxDouble3&) const = default;
+};
+
 struct FbxVector4 {
   f64 x = 0, y = 0, z = 0, w = 0;
 };
@@ -39,4 +48,15 @@ class FbxAMatrix {
 
  private:
   f64 m[4][4];  // m[row][column]
+};
+
+// A general 4x4 matrix, as a pose stores it; ours are only ever affine.
+class FbxMatrix {
+ public:
+  FbxMatrix() = default;
+  explicit FbxMatrix(const FbxAMatrix& affine) : values(affine) {}
+  const FbxAMatrix& Affine() const { return values; }
+
+ private:
+  FbxAMatrix values;
 };

@@ -29,7 +29,7 @@ FbxRecord* FbxRecord::AddChild(const char* childName, bool isBlock) {
 }
 
 bool FbxRecord::AddScalar(char code, i64 integer, f64 real) {
-  FbxProperty* property = properties.Append();
+  FbxRecordValue* property = properties.Append();
   if (!property) return false;
   property->code = code;
   property->integer = integer;
@@ -38,7 +38,7 @@ bool FbxRecord::AddScalar(char code, i64 integer, f64 real) {
 }
 
 bool FbxRecord::AddString(const char* text, u32 size) {
-  FbxProperty* property = properties.Append();
+  FbxRecordValue* property = properties.Append();
   if (!property) return false;
   property->code = 'S';
   if (!property->bytes.SetSize(size)) {
@@ -58,10 +58,22 @@ bool FbxRecord::AddRaw(const void* data, u32 size) {
 }
 
 bool FbxRecord::AddArray(char code, const void* values, u32 count, u32 elementSize) {
-  if (u64(count) * elementSize > UINT32_MAX) return false;
-  if (!AddString(static_cast<const char*>(values), count * elementSize)) return false;
-  FbxProperty& property = properties[properties.Count() - 1];
-  property.code = code;
-  property.count = count;
-  return true;
+  void* storage = AddArrayStorage(code, count, elementSize);
+  if (storage && count) std::memcpy(storage, values, size_t(count) * elementSize);
+  return storage != nullptr;
+}
+
+void* FbxRecord::AddArrayStorage(char code, u32 count, u32 elementSize) {
+  if (u64(count) * elementSize > UINT32_MAX) return nullptr;
+  FbxRecordValue* property = properties.Append();
+  if (!property) return nullptr;
+  if (!property->bytes.SetSize(count * elementSize)) {
+    (void)properties.SetSize(properties.Count() - 1);
+    return nullptr;
+  }
+  property->code = code;
+  property->count = count;
+  // An empty array still needs an address that tells success from failure; nothing is written to it.
+  alignas(8) static u8 emptyStorage[8];
+  return count ? static_cast<void*>(property->bytes.Data()) : static_cast<void*>(emptyStorage);
 }

@@ -7,7 +7,7 @@
 
 // One property of a binary FBX record: a type code and its value. Scalars live in `integer` or
 // `real`; strings, raw bytes and arrays keep their little-endian bytes in `bytes`.
-struct FbxProperty {
+struct FbxRecordValue {
   char code = 0;  // Y C I F D L S R f d l i
   i64 integer = 0;
   f64 real = 0;
@@ -19,11 +19,12 @@ struct FbxProperty {
 // closed by a null record even without children, as readers expect of every scope.
 struct FbxRecord {
   CStringA name;
-  TArray<FbxProperty> properties;
+  TArray<FbxRecordValue> properties;
   TArray<FbxRecord> children;
   bool block = false;
 
-  // Builders; each gives null or false when memory is refused. Names are at most 255 bytes.
+  // Builders; each gives null or false when memory is refused. Names are at most 255 bytes. A child
+  // stays where AddChild put it only until the next child of this record is added.
   FbxRecord* AddChild(const char* childName, bool isBlock = false);
   [[nodiscard]] bool AddInt16(i16 value) { return AddScalar('Y', value, 0); }
   [[nodiscard]] bool AddBool(bool value) { return AddScalar('C', value ? 1 : 0, 0); }
@@ -41,7 +42,13 @@ struct FbxRecord {
   [[nodiscard]] bool AddInt32s(const i32* values, u32 count) { return AddArray('i', values, count, 4); }
   [[nodiscard]] bool AddInt64s(const i64* values, u32 count) { return AddArray('l', values, count, 8); }
 
+  // An array of `count` elements to be filled in place; null when memory is refused. The storage
+  // moves when another property is added.
+  [[nodiscard]] f64* AddDoubles(u32 count) { return static_cast<f64*>(AddArrayStorage('d', count, 8)); }
+  [[nodiscard]] i32* AddInt32s(u32 count) { return static_cast<i32*>(AddArrayStorage('i', count, 4)); }
+
  private:
+  void* AddArrayStorage(char code, u32 count, u32 elementSize);
   bool AddScalar(char code, i64 integer, f64 real);
   bool AddArray(char code, const void* values, u32 count, u32 elementSize);
 };

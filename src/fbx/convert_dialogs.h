@@ -1,0 +1,29 @@
+#pragma once
+
+#include "core/string_buffer.h"
+#include "gamedata/rig_network.h"
+
+// One rig that fits the model being converted, offered to the user. `name` is that of the first
+// animation set that drives the rig, or null.
+struct RigCandidate {
+  RigCandidate* next = nullptr;
+  const char* name = nullptr;
+  const RigSkeleton* rig = nullptr;
+};
+
+// Where a conversion asks its user for the file to write. The front end decides how.
+class ISaveDialog {
+ public:
+  virtual ~ISaveDialog() = default;
+  // Fills `path` and gives true, or gives false when the user cancels.
+  virtual bool AskSavePath(CStringBufferA& path) = 0;
+};
+
+// The rig select dialog: the candidates' names sorted in a list, OK and Cancel.
+class IRigDialog {
+ public:
+  virtual ~IRigDialog() = default;
+  // Shows the candidates of the list that starts at `candidates` and gives 1 with the chosen
+  // candidate's rig in `selected` when the user presses OK on a selection, or 0 on Cancel.
+  virtual i32 Run(const RigCandidate* candidates, const RigSkeleton*& selected) = 0;
+};

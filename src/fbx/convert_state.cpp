@@ -1,0 +1,86 @@
+#include "fbx/convert_state.h"
+
+#include <cstdio>
+#include <cstring>
+
+#include "fbx/sdk/fbx_exporter.h"
+
+namespace {
+
+constexpr const char* kSceneName = "Tarnwick";
+constexpr f64 kCentimetresPerMetre = 100.0;
+constexpr u32 kSavePathSize = 1024;
+
+// Writer options, in the order they are set.
+constexpr const char* kExportOptions[] = {
+    "Export|AdvOptGrp|Fbx|Material",  "Export|AdvOptGrp|Fbx|Texture",   "Export|AdvOptGrp|Fbx|EMBEDDED",
+    "Export|AdvOptGrp|Fbx|Shape",     "Export|AdvOptGrp|Fbx|Gobo",      "Export|AdvOptGrp|Fbx|Animation",
+    "Export|AdvOptGrp|Fbx|Global_Settings"};
+constexpr bool kExportOptionValues[] = {true, true, false, true, true, true, true};
+
+bool FillDocumentInfo(FbxDocumentInfo& info) {
+  return info.mTitle.Assign("Tarnwick export") && info.mSubject.Assign("Model exported by Tarnwick") &&
+         info.mAuthor.Assign("Tarnwick.exe") && info.mRevision.Assign("1.0") && info.mKeywords.Assign("") &&
+         info.mComment.Assign("");
+}
+
+}  // namespace
+
+bool Setup(ConvertState& state, const char* actorName) {
+  state.fbxManager.reset(FbxManager::Create());
+  FbxManager* manager = state.fbxManager.get();
+  if (!manager) return false;
+  state.fbxScene = FbxScene::Create(manager, kSceneName);
+  if (!state.fbxScene) return false;
+  FbxIOSettings* settings = FbxIOSettings::Create(manager, "IOSRoot");
+  FbxDocumentInfo* info = FbxDocumentInfo::Create(manager, "SceneInfo");
+  if (!settings || !info || !FillDocumentInfo(*info)) return false;
+  manager->SetIOSettings(settings);
+  state.fbxScene->SetDocumentInfo(info);
+  const FbxSystemUnit metre(kCentimetresPerMetre, 1.0);
+  state.fbxScene->GetGlobalSettings().SetSystemUnit(metre);
+  state.fbxScene->GetGlobalSettings().SetOriginalSystemUnit(metre);
+  FileStem(actorName, state.name);
+  return true;
+}
+
+void FileStem(const char* text, CStringBufferA& out) {
+  const char* start = text;
+  for (const char* c = text; *c; ++c) {
+    if (*c == '/' || *c == '\\') start = c + 1;
+  }
+  const char* dot = std::strrchr(start, '.');
+  const size_t length = dot ? size_t(dot - start) : std::strlen(start);
+  if (length >= UINT32_MAX || !out.Reserve(u32(length) + 1)) {
+    out.Clear(false);
+    return;
+  }
+  std::memcpy(out.Data(), start, length);
+  out.SetLength(u32(length));
+}
+
+bool WriteScene(FbxManager* manager, FbxScene* scene, ISaveDialog& dialog) {
+  TStringBufferA<kSavePathSize> path;
+  if (!dialog.AskSavePath(path)) return true;
+  FbxExporter* exporter = FbxExporter::Create(manager, "");
+  if (!exporter) return false;
+  const int format = manager->GetIOPluginRegistry()->GetNativeWriterFormat();
+  FbxIOSettings* settings = manager->GetIOSettings();
+  if (settings) {
+    for (u32 i = 0; i < std::size(kExportOptions); ++i) settings->SetBoolProp(kExportOptions[i], kExportOptionValues[i]);
+  }
+  if (!exporter->Initialize(path.Text(), format, settings)) {
+    std::printf("Call to FbxExporter::Initialize() failed.\n");
+    std::printf("Error returned: %s\n\n", exporter->GetStatus().GetErrorString());
+    std::fflush(stdout);
+    return false;
+  }
+  (void)exporter->SetFileExportVersion("FBX201200", FbxSceneRenamer::eNone);
+  int major = 0, minor = 0, revision = 0;
+  FbxManager::GetFileFormatVersion(major, minor, revision);
+  std::printf("FBX file format version %d.%d.%d\n\n", major, minor, revision);
+  std::fflush(stdout);
+  const bool exported = exporter->Export(scene, false);
+  exporter->Destroy();
+  return exported;
+}

@@ -1,0 +1,38 @@
+#pragma once
+
+#include <memory>
+
+#include "core/array.h"
+#include "core/string_buffer.h"
+#include "fbx/convert_dialogs.h"
+#include "fbx/sdk/fbx_scene.h"
+#include "gamedata/rig_network.h"
+
+struct FbxManagerDestroyer {
+  void operator()(FbxManager* manager) const { manager->Destroy(); }
+};
+
+// The FBX side of one conversion: the manager that owns every object of the scene, the scene, and
+// the rig that SetupRig fills and each mesh reads. Lives for one conversion and is never reused.
+struct ConvertState {
+  std::unique_ptr<FbxManager, FbxManagerDestroyer> fbxManager;
+  FbxScene* fbxScene = nullptr;
+  TArray<FbxNode*> boneNodes;     // one node per rig bone, by the bone's index; empty without a rig
+  const RigSkeleton* rig = nullptr;  // owned by the rig table; null without a rig
+  FbxNode* rootNode = nullptr;    // the node everything hangs under, named after the actor
+  TStringBufferA<48> name;        // the actor's base name
+  TArray<u32> modelToRig;         // for each model bone its rig bone, or kNoRigBone
+};
+
+constexpr u32 kNoRigBone = 0xFFFFFFFF;
+
+// Makes the manager and the scene "Tarnwick" with its document information and the metre as unit,
+// and takes the actor's base name. False when memory is refused.
+[[nodiscard]] bool Setup(ConvertState& state, const char* actorName);
+
+// The file name of `text` without folders (`/` or `\`) and without what follows its last `.`.
+void FileStem(const char* text, CStringBufferA& out);
+
+// Asks for a path and writes `scene` there. A cancel writes nothing and gives true. A path that
+// can't be written prints two lines on standard output and gives false, as does a failed export.
+bool WriteScene(FbxManager* manager, FbxScene* scene, ISaveDialog& dialog);

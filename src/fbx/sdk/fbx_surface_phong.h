@@ -1,0 +1,13 @@
+#pragma once
+
+#include "fbx/sdk/fbx_node.h"
+
+// A Phong material. Only the diffuse colour is ever set; every other value stays at the default
+// that a file's template holds.
+class FbxSurfacePhong final : public FbxSurfaceMaterial, public FbxCreatable<FbxSurfacePhong> {
+ public:
+  FbxObjectKind Kind() const override { return FbxObjectKind::SurfacePhong; }
+
+  FbxPropertyT<FbxDouble3> Diffuse{FbxDouble3{0.8, 0.8, 0.8}};
+  FbxPropertyT<f64> DiffuseFactor{1.0};
+};

@@ -1,0 +1,103 @@
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <cstring>
+#include <fstream>
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include "fbx/convert_mesh.h"
+#include "fbx/convert_state.h"
+#include "fbx/setup_rig.h"
+#include "support/skinned_actor.h"
+
+// A skinned actor read from the bytes the test writers make, and a conversion of it run the way
+// the Convert command runs one.
+namespace exporttest {
+
+inline CByteBuffer Bytes(const std::string& bytes) {
+  CByteBuffer buffer;
+  EXPECT_TRUE(buffer.SetSize(u32(bytes.size())));
+  if (!bytes.empty()) std::memcpy(buffer.Data(), bytes.data(), bytes.size());
+  return buffer;
+}
+
+inline std::string ReadFile(const std::string& path) {
+  std::ifstream in(path, std::ios::binary);
+  std::stringstream all;
+  all << in.rdbuf();
+  return all.str();
+}
+
+struct LoadedActor {
+  testsupport::SkinnedActor files;
+  MaterialDefinitionSet definitions;
+  ModelFile model;
+  ModelMaterials materials;
+  RigTable rigs;
+  ActorDefinition actor;
+
+  ~LoadedActor() { definitions.Destroy(); }
+
+  // Reads the actor's catalogue and model, and puts its rig under "hero" as the set "Idle" (id 7).
+  void Load(const testsupport::SkinnedActorDesc& desc) {
+    files = testsupport::BuildSkinnedActor(desc);
+    ASSERT_TRUE(definitions.Read(Bytes(files.catalogue)));
+    ASSERT_TRUE(Read(model, Bytes(files.model), materials));
+    AddNetwork("hero", testsupport::NetworkWithSets({{7, files.rig}}, {{"Idle", 7}}));
+    ASSERT_TRUE(actor.animationNetworkName.Assign("anims\\hero.mrn"));
+    ASSERT_TRUE(actor.animSetName.Assign("IDLE"));
+  }
+
+  void AddNetwork(const char* key, const testsupport::RigNetworkLayout& layout) {
+    CStringA name;
+    ASSERT_TRUE(name.Assign(key));
+    RigNetwork* network = rigs.FindOrInsert(name);
+    ASSERT_TRUE(network);
+    ASSERT_TRUE(Read(*network, Bytes(testsupport::BuildRigNetwork(layout))));
+  }
+};
+
+struct SaveDialog : ISaveDialog {
+  std::string path;  // empty: the user cancels
+  int asked = 0;
+  bool AskSavePath(CStringBufferA& out) override {
+    ++asked;
+    if (path.empty()) return false;
+    (void)out.Format("%s", path.c_str());
+    return true;
+  }
+};
+
+struct RigDialog : IRigDialog {
+  std::string pick;  // the name to select; empty: Cancel
+  std::vector<std::string> shown;
+  i32 Run(const RigCandidate* candidates, const RigSkeleton*& selected) override {
+    for (const RigCandidate* c = candidates; c; c = c->next) {
+      shown.push_back(c->name ? c->name : "");
+      if (!pick.empty() && pick == shown.back()) selected = c->rig;
+    }
+    return selected ? 1 : 0;
+  }
+};
+
+inline FbxCreationTime FixedTime() { return {2026, 11, 23, 12, 34, 56, 789}; }
+
+// Setup, the rig, every mesh, then the write; false at the first step that fails.
+inline bool Convert(LoadedActor& loaded, ISaveDialog& save, IRigDialog& rigDialog) {
+  ConvertState state;
+  if (!Setup(state, "actors\\hero.adr")) return false;
+  state.fbxManager->SetCreationTimeSource(FixedTime);
+  if (!SetupRig(state, loaded.actor, loaded.model, loaded.rigs, rigDialog)) return false;
+  for (u32 m = 0; m < loaded.model.meshes.Count(); ++m) {
+    if (m >= loaded.materials.materials.Count() ||
+        !ConvertMesh(state, loaded.materials.materials[m], loaded.model.meshes[m], loaded.model, m, loaded.definitions)) {
+      return false;
+    }
+  }
+  return WriteScene(state.fbxManager.get(), state.fbxScene, save);
+}
+
+}  // namespace exporttest

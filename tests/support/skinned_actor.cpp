@@ -1,0 +1,109 @@
+#include "support/skinned_actor.h"
+
+#include <cmath>
+#include <cstring>
+
+#include "core/hash.h"
+#include "support/model_writer.h"
+#include "support/xml_writer.h"
+
+namespace testsupport {
+
+namespace {
+
+void PutBytes(std::string& out, const void* data, size_t size) { out.append(static_cast<const char*>(data), size); }
+
+std::string Catalogue(bool secondUv) {
+  CatalogueXml c;
+  InputLayoutXml layout{"Skinned", {{"Float3", "Position", "0", "0"}, {"Float3", "Normal", "0", "0"},
+                                    {"Float2", "Texcoord", "0", "0"}, {"Ubyte4", "BlendIndices", "0", "0"},
+                                    {"Ubyte4n", "BlendWeight", "0", "0"}}};
+  if (secondUv) layout.entries.push_back({"Float2", "Texcoord", "0", "2"});
+  c.layouts.push_back(layout);
+  c.definitions.push_back({"SkinnedMaterial", {}, std::vector<DrawStyleXml>{{"normal", "Skinned"}},
+                           std::vector<std::string>{"Skinned"}});
+  return BuildCatalogue(c);
+}
+
+}  // namespace
+
+GridVertex SkinnedActorVertex(const SkinnedActorDesc& desc, u32 mesh, u32 vertex) {
+  const float column = float(vertex % desc.gridSize), row = float(vertex / desc.gridSize);
+  const float span = float(desc.gridSize > 1 ? desc.gridSize - 1 : 1);
+  const bool even = vertex % 2 == 0;
+  return {{column * 0.1f, float(mesh), row * 0.1f},
+          {column / span, row / span},
+          {vertex % desc.boneCount, (vertex + 1) % desc.boneCount},
+          {even ? 1.0f : 128 / 255.0f, even ? 0.0f : 127 / 255.0f}};
+}
+
+SkinnedActor BuildSkinnedActor(const SkinnedActorDesc& desc) {
+  SkinnedActor actor;
+  actor.catalogue = Catalogue(desc.secondUv);
+  const u32 vertexCount = desc.gridSize * desc.gridSize;
+  const u32 bytesPerIndex = vertexCount > 0x10000 ? 4 : 2;
+  ModelDesc model;
+  PaletteDesc palette;
+  for (u32 m = 0; m < desc.meshCount; ++m) {
+    palette.materials.push_back({.materialKey = m, .definitionHash = HashExact("SkinnedMaterial")});
+    MeshDesc mesh{.firstDrawCall = m, .drawCallCount = 1, .bonePaletteSize = desc.boneCount,
+                  .bytesPerIndex = bytesPerIndex, .vertexCount = vertexCount};
+    StreamDesc stream{.stride = desc.secondUv ? 48u : 40u};
+    for (u32 v = 0; v < vertexCount; ++v) {
+      const GridVertex g = SkinnedActorVertex(desc, m, v);
+      const float normal[3] = {0.5f, 1, 0.5f};  // stored as 0.5 + n / 2: the normal (0, 1, 0)
+      const u8 slots[4] = {u8(g.bones[0]), u8(g.bones[1]), 0, 0};
+      const u8 weights[4] = {u8(std::lround(g.weights[0] * 255)), u8(std::lround(g.weights[1] * 255)), 0, 0};
+      const float second[2] = {0.25f, 1.5f};
+      PutBytes(stream.data, g.position, 12);
+      PutBytes(stream.data, normal, 12);
+      PutBytes(stream.data, g.uv, 8);
+      PutBytes(stream.data, slots, 4);
+      PutBytes(stream.data, weights, 4);
+      if (desc.secondUv) PutBytes(stream.data, second, 8);
+    }
+    mesh.streams.push_back(stream);
+    for (u32 row = 0; row + 1 < desc.gridSize; ++row) {
+      for (u32 column = 0; column + 1 < desc.gridSize; ++column) {
+        const u32 a = row * desc.gridSize + column, b = a + 1, c = a + desc.gridSize, d = c + 1;
+        for (u32 index : {a, b, c, c, b, d}) PutBytes(mesh.indexData, &index, bytesPerIndex);
+      }
+    }
+    model.meshes.push_back(mesh);
+    model.drawCalls.push_back({.boneMapEntryCount = desc.boneCount, .vertexCount = vertexCount});
+  }
+  model.materials = palette;
+  for (u32 b = 0; b < desc.boneCount; ++b) {
+    const std::string name = "bone_" + std::to_string(b);
+    model.boneMap.push_back({u16(b), u16(b)});
+    model.bones.push_back({.nameHash = HashNameWide(name.c_str())});
+    // Rotations about every axis, far from unit length at times: the export normalises them.
+    const float f = float(b);
+    actor.rig.bones.push_back({.name = name,
+                               .parent = b == 0 ? -1 : i32(desc.chain ? b - 1 : (b - 1) / 2),
+                               .translation = {0.1f * f, 0.5f, -0.05f * f, 1},
+                               .rotation = {std::sin(1.3f * f), std::cos(0.7f * f), 0.5f * std::sin(2.1f * f),
+                                            1.5f + std::cos(f)}});
+  }
+  actor.model = BuildModel(model);
+  return actor;
+}
+
+RigNetworkLayout NetworkWithSets(std::vector<RigNetworkLayout::Rig> rigs,
+                                 const std::vector<std::pair<std::string, u32>>& sets) {
+  RigNetworkLayout layout;
+  layout.rigs = std::move(rigs);
+  if (sets.empty()) return layout;
+  // One node whose own lookup gives set k the rig id in attribute k.
+  NetworkNodeLayout node{.typeId = 40, .nameIndex = 0, .lookups = {{.typeId = 40, .setStride = 1, .slot = 0}}};
+  std::vector<std::string> names;
+  for (const auto& [name, id] : sets) {
+    names.push_back(name);
+    node.attributeWords.push_back(id);
+  }
+  layout.animSets = names;
+  layout.network = NetworkLayout{.nodes = {node}, .nodeNames = {"root"}};
+  return layout;
+}
+
+}  // namespace testsupport
