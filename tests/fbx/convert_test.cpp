@@ -1,12 +1,14 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <filesystem>
 #include <map>
 #include <string>
 #include <vector>
 
 #include "export_fixture.h"
 #include "fbx/sdk/fbx_math.h"
+#include "support/allocation_failure.h"
 #include "support/fbx_reader.h"
 #include "support/temp_dir.h"
 
@@ -285,6 +287,67 @@ TEST(ExportRoundTrip, SameBytesFromRunToRunWithAFixedClock) {
   const std::string first = Convert(loaded, dir, "a.fbx");
   EXPECT_GT(first.size(), 10000u);
   EXPECT_EQ(first, Convert(loaded, dir, "b.fbx"));
+}
+
+}  // namespace
+
+namespace {
+
+TEST(FileStem, CutsFoldersAndTheLastExtension) {
+  const std::pair<const char*, const char*> cases[] = {{"a/b.adr", "b"}, {"a\\b/c.adr", "c"},    {"a.b/c", "c"},
+                                                       {"", ""},         {"foo\\bar.baz.adr", "bar.baz"}, {"bar", "bar"}};
+  for (const auto& [text, stem] : cases) {
+    TStringBufferA<8> out;
+    FileStem(text, out);
+    EXPECT_STREQ(out.Text(), stem) << text;
+  }
+}
+
+TEST(ExportFailures, EndWithTheirResultAndNoFile) {
+  LoadedActor loaded;
+  loaded.Load({.boneCount = 2});
+  testsupport::TempDir dir;
+  exporttest::RigDialog rigs;
+  exporttest::SaveDialog save;
+
+  testing::internal::CaptureStdout();
+  EXPECT_TRUE(exporttest::Convert(loaded, save, rigs)) << "a cancel is no error";
+  EXPECT_EQ(testing::internal::GetCapturedStdout(), "");
+  EXPECT_EQ(save.asked, 1);
+
+  save.path = dir.Join("missing/hero.fbx");
+  testing::internal::CaptureStdout();
+  EXPECT_FALSE(exporttest::Convert(loaded, save, rigs));
+  EXPECT_EQ(testing::internal::GetCapturedStdout(),
+            "Call to FbxExporter::Initialize() failed.\n"
+            "Error returned: Cannot create file \"" + save.path + "\": No such file or directory\n\n");
+  EXPECT_TRUE(std::filesystem::is_empty(dir.Path())) << "nothing written, not even a temporary";
+
+  // A mesh whose material names no known definition.
+  save.path = dir.Join("hero.fbx");
+  loaded.materials.materials[0].definitionHash ^= 1;
+  EXPECT_FALSE(exporttest::Convert(loaded, save, rigs));
+  EXPECT_TRUE(std::filesystem::is_empty(dir.Path()));
+}
+
+TEST(ExportFailures, RefusedMemoryAtEveryStepFailsCleanly) {
+  LoadedActor loaded;
+  loaded.Load({.gridSize = 2, .boneCount = 2});
+  testsupport::TempDir dir;
+  exporttest::RigDialog rigs;
+  exporttest::SaveDialog save;
+  save.path = dir.Join("hero.fbx");
+  for (u64 n = 1;; ++n) {
+    testsupport::ScopedAllocationFailure refuse(n);
+    const bool converted = exporttest::Convert(loaded, save, rigs);
+    EXPECT_EQ(refuse.Live(), 0) << "refusal " << n;
+    if (!refuse.Failed()) {
+      EXPECT_TRUE(converted);
+      break;
+    }
+    EXPECT_FALSE(std::filesystem::exists(save.path)) << "refusal " << n;
+  }
+  EXPECT_TRUE(std::filesystem::exists(save.path));
 }
 
 }  // namespace

@@ -1,15 +1,18 @@
 #include "support/allocation_failure.h"
 
+#include <atomic>
+
 #include "core/memory_hooks.h"
 
 namespace testsupport {
 
 namespace {
 
+// Atomic: code under test may allocate on several threads.
 MemoryHooks gSaved;
-u64 gFailAt = 0;
-u64 gAttempts = 0;
-i64 gLive = 0;
+std::atomic<u64> gFailAt = 0;
+std::atomic<u64> gAttempts = 0;
+std::atomic<i64> gLive = 0;
 
 bool Refuse() { return ++gAttempts >= gFailAt && gFailAt != 0; }
 
