@@ -1,0 +1,17 @@
+#include "app/app_state.h"
+
+const char* const kGameNames[kGameCount] = {
+    "Aldermoor",        "Aldermoor Test",          "Brackenfell Beta",  "Cinderhollow Brackenfell",
+    "Dunmarrow",        "Dunmarrow Test",          "Dunmarrow-Ashgate", "Dunmarrow-Ashgate Test",
+};
+
+AppState::AppState() {
+  for (u32 i = 0; i < kGameCount; ++i) games[i].name = kGameNames[i];
+}
+
+AppState::~AppState() {
+  if (worker.joinable()) worker.join();
+  rigs.Release();
+  packIndex.Clear();
+  materials.Destroy();
+}

@@ -1,0 +1,17 @@
+#pragma once
+
+#include "app/app_state.h"
+
+// Main thread: the search text to the list. Empty: the whole list again, without a log line;
+// otherwise "*text*" as a wildcard pattern over the names, after logging the text.
+void SearchRequest(AppState& app);
+
+// Workers: walks over the pack table. The list walk lists every actor definition (.adr), the search
+// walk those whose whole name matches `filter`, the load walk lists them and reads every rig
+// network (.mrn) into the rig table under its base name.
+void ListWalk(AppState& app);
+void SearchWalk(AppState& app, const char* filter);
+void LoadWalk(AppState& app);
+
+// The text of the file list's selected item; false without a game, a selection or the text.
+[[nodiscard]] bool GetSelectedName(AppState& app, CStringBufferA& text);
