@@ -71,8 +71,9 @@ void LoadWalk(AppState& app) {
     if (Is(walk, ".mrn")) {
       (void)walk.extension.Format("%.*s", int(walk.name.Length() - 4), walk.name.Text());
       if (!PackIndex::FetchEntry(entry, walk.bytes) || !IsRigNetwork(walk.bytes)) return true;
+      // The table keeps a copy of the key it is given as it stands, so it gets one of its own.
       CStringA key;
-      key.Borrow(walk.extension.Text());
+      if (!key.Assign(walk.extension.Text())) return true;
       RigNetwork* network = app.rigs.FindOrInsert(key);
       // A read that fails takes the key out again, also where it replaced an earlier network.
       if (network && !Read(*network, walk.bytes)) app.rigs.Erase(key);
