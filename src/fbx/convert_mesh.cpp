@@ -126,8 +126,10 @@ bool AddSkin(ConvertState& state, FbxMesh& fbxMesh, const ExportMesh& exportMesh
 bool AddTriangles(FbxMesh& fbxMesh, const ExportMesh& exportMesh) {
   const u32 triangles = exportMesh.indexCount / 3;  // a partial last group is left out
   if (!fbxMesh.ReservePolygons(triangles, triangles * 3)) return false;
+  // An index past the vertices (or past what an int holds) fails the mesh in AddPolygon.
   const u32* index = exportMesh.indices.Data();
   for (u32 t = 0; t < triangles; ++t, index += 3) {
+    if (index[0] > u32(INT32_MAX) || index[1] > u32(INT32_MAX) || index[2] > u32(INT32_MAX)) return false;
     // The second and third corners change places: the game's front faces turn the other way.
     fbxMesh.BeginPolygon(-1, -1, -1, true);
     if (!fbxMesh.AddPolygon(int(index[0]), -1) || !fbxMesh.AddPolygon(int(index[2]), -1) ||

@@ -12,11 +12,15 @@ constexpr f64 kCentimetresPerMetre = 100.0;
 constexpr u32 kSavePathSize = 1024;
 
 // Writer options, in the order they are set.
-constexpr const char* kExportOptions[] = {
-    "Export|AdvOptGrp|Fbx|Material",  "Export|AdvOptGrp|Fbx|Texture",   "Export|AdvOptGrp|Fbx|EMBEDDED",
-    "Export|AdvOptGrp|Fbx|Shape",     "Export|AdvOptGrp|Fbx|Gobo",      "Export|AdvOptGrp|Fbx|Animation",
-    "Export|AdvOptGrp|Fbx|Global_Settings"};
-constexpr bool kExportOptionValues[] = {true, true, false, true, true, true, true};
+constexpr struct {
+  const char* name;
+  bool value;
+} kExportOptions[] = {
+    {"Export|AdvOptGrp|Fbx|Material", true}, {"Export|AdvOptGrp|Fbx|Texture", true},
+    {"Export|AdvOptGrp|Fbx|EMBEDDED", false}, {"Export|AdvOptGrp|Fbx|Shape", true},
+    {"Export|AdvOptGrp|Fbx|Gobo", true},      {"Export|AdvOptGrp|Fbx|Animation", true},
+    {"Export|AdvOptGrp|Fbx|Global_Settings", true},
+};
 
 bool FillDocumentInfo(FbxDocumentInfo& info) {
   return info.mTitle.Assign("Tarnwick export") && info.mSubject.Assign("Model exported by Tarnwick") &&
@@ -33,18 +37,18 @@ bool Setup(ConvertState& state, const char* actorName) {
   state.fbxScene = FbxScene::Create(manager, kSceneName);
   if (!state.fbxScene) return false;
   FbxIOSettings* settings = FbxIOSettings::Create(manager, "IOSRoot");
-  FbxDocumentInfo* info = FbxDocumentInfo::Create(manager, "SceneInfo");
-  if (!settings || !info || !FillDocumentInfo(*info)) return false;
+  if (!settings) return false;
   manager->SetIOSettings(settings);
+  FbxDocumentInfo* info = FbxDocumentInfo::Create(manager, "SceneInfo");
+  if (!info || !FillDocumentInfo(*info)) return false;
   state.fbxScene->SetDocumentInfo(info);
   const FbxSystemUnit metre(kCentimetresPerMetre, 1.0);
   state.fbxScene->GetGlobalSettings().SetSystemUnit(metre);
   state.fbxScene->GetGlobalSettings().SetOriginalSystemUnit(metre);
-  FileStem(actorName, state.name);
-  return true;
+  return FileStem(actorName, state.name);
 }
 
-void FileStem(const char* text, CStringBufferA& out) {
+bool FileStem(const char* text, CStringBufferA& out) {
   const char* start = text;
   for (const char* c = text; *c; ++c) {
     if (*c == '/' || *c == '\\') start = c + 1;
@@ -53,10 +57,11 @@ void FileStem(const char* text, CStringBufferA& out) {
   const size_t length = dot ? size_t(dot - start) : std::strlen(start);
   if (length >= UINT32_MAX || !out.Reserve(u32(length) + 1)) {
     out.Clear(false);
-    return;
+    return false;
   }
   std::memcpy(out.Data(), start, length);
   out.SetLength(u32(length));
+  return true;
 }
 
 bool WriteScene(FbxManager* manager, FbxScene* scene, ISaveDialog& dialog) {
@@ -67,7 +72,7 @@ bool WriteScene(FbxManager* manager, FbxScene* scene, ISaveDialog& dialog) {
   const int format = manager->GetIOPluginRegistry()->GetNativeWriterFormat();
   FbxIOSettings* settings = manager->GetIOSettings();
   if (settings) {
-    for (u32 i = 0; i < std::size(kExportOptions); ++i) settings->SetBoolProp(kExportOptions[i], kExportOptionValues[i]);
+    for (const auto& option : kExportOptions) settings->SetBoolProp(option.name, option.value);
   }
   if (!exporter->Initialize(path.Text(), format, settings)) {
     std::printf("Call to FbxExporter::Initialize() failed.\n");

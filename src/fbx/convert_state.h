@@ -15,6 +15,9 @@ struct FbxManagerDestroyer {
 // The FBX side of one conversion: the manager that owns every object of the scene, the scene, and
 // the rig that SetupRig fills and each mesh reads. Lives for one conversion and is never reused.
 struct ConvertState {
+  // The manager goes first, with every object of the scene; then the arrays and the name.
+  ~ConvertState() { fbxManager.reset(); }
+
   std::unique_ptr<FbxManager, FbxManagerDestroyer> fbxManager;
   FbxScene* fbxScene = nullptr;
   TArray<FbxNode*> boneNodes;     // one node per rig bone, by the bone's index; empty without a rig
@@ -31,7 +34,8 @@ constexpr u32 kNoRigBone = 0xFFFFFFFF;
 [[nodiscard]] bool Setup(ConvertState& state, const char* actorName);
 
 // The file name of `text` without folders (`/` or `\`) and without what follows its last `.`.
-void FileStem(const char* text, CStringBufferA& out);
+// False, with `out` empty, when memory is refused.
+bool FileStem(const char* text, CStringBufferA& out);
 
 // Asks for a path and writes `scene` there. A cancel writes nothing and gives true. A path that
 // can't be written prints two lines on standard output and gives false, as does a failed export.

@@ -22,7 +22,7 @@ const RigSkeleton* PickRig(const ActorDefinition& actor, const ModelFile& model,
                            IRigDialog& dialog) {
   if (actor.animationNetworkName.Text()[0] && actor.animSetName.Text()[0]) {
     TStringBufferA<260> stem;
-    FileStem(actor.animationNetworkName.Text(), stem);
+    if (!FileStem(actor.animationNetworkName.Text(), stem)) return nullptr;
     CStringA key;
     key.Borrow(stem.Text());
     const u32 found = rigs.Find(key);

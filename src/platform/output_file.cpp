@@ -1,14 +1,20 @@
 #include "platform/output_file.h"
 
 #include <fcntl.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
-#include <sys/stat.h>
-
+#include <atomic>
 #include <cerrno>
 #include <cstdio>
-#include <cstdlib>
 #include <cstring>
+
+namespace {
+
+constexpr u32 kNameAttempts = 16;
+std::atomic<u32> gSerial{0};
+
+}  // namespace
 
 bool OutputFile::Fail() {
   (void)error.Format("%s", std::strerror(errno));
@@ -23,21 +29,31 @@ bool OutputFile::Open(const char* path) {
     errno = ENOENT;
     return Fail();
   }
-  if (!target.Format("%s", path) || !temporary.Format("%s.XXXXXX", path)) {
+  // The target must be one we may replace: not a folder, and writable if it exists.
+  struct stat existing {};
+  if (stat(path, &existing) == 0) {
+    if (S_ISDIR(existing.st_mode)) {
+      errno = EISDIR;
+      return Fail();
+    }
+    if (access(path, W_OK) != 0) return Fail();
+  }
+  if (target.Format("%s", path) <= 0) {
     errno = ENOMEM;
     return Fail();
   }
-  // mkstemp makes the name unique and the file private to us; the mode is widened to the usual
-  // one before the rename.
-  fd = mkstemp(temporary.Data());
-  if (fd < 0) {
-    temporary.Clear(false);
-    return Fail();
+  // A name of our own beside the target; the usual mode, so the umask applies as to any new file.
+  for (u32 attempt = 0; attempt < kNameAttempts; ++attempt) {
+    if (temporary.Format("%s.%d-%u.partial", path, int(getpid()), gSerial.fetch_add(1)) <= 0) {
+      errno = ENOMEM;
+      return Fail();
+    }
+    fd = ::open(temporary.Text(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
+    if (fd >= 0) return true;
+    if (errno != EEXIST) break;
   }
-  const mode_t mask = umask(0);
-  umask(mask);
-  if (fchmod(fd, 0666 & ~mask) != 0) return Fail();
-  return true;
+  temporary.Clear(false);
+  return Fail();
 }
 
 bool OutputFile::Write(const void* data, u64 size) {
@@ -55,12 +71,11 @@ bool OutputFile::Write(const void* data, u64 size) {
 
 bool OutputFile::Commit() {
   if (fd < 0) return false;
-  if (::close(fd) != 0) {
-    fd = -1;
-    return Fail();
-  }
+  // On disk before it takes the target's place, so a crash leaves the old file or the whole new one.
+  if (fsync(fd) != 0) return Fail();
+  const int closed = ::close(fd);
   fd = -1;
-  if (std::rename(temporary.Text(), target.Text()) != 0) return Fail();
+  if (closed != 0 || std::rename(temporary.Text(), target.Text()) != 0) return Fail();
   temporary.Clear(false);
   return true;
 }

@@ -34,14 +34,13 @@ struct Packed {
   u32 next = 0;
 };
 
-constexpr size_t kMaxNameLength = 255;
+bool IsLarge(const FbxRecordValue& property) { return IsArray(property.code) && property.bytes.Size() > kFbxDeflateAbove; }
 
-// Lists the arrays to deflate in the order the writer meets them, and checks the names: the
-// format keeps a name's length in one byte.
+// Lists the arrays to deflate in the order the writer meets them. Names were checked as records
+// were added.
 bool CollectLarge(const FbxRecord& record, TArray<const FbxRecordValue*>& large) {
-  if (std::strlen(record.name.Text()) > kMaxNameLength) return false;
   for (const FbxRecordValue& property : record.properties) {
-    if (!IsArray(property.code) || property.bytes.Size() <= kFbxDeflateAbove) continue;
+    if (!IsLarge(property)) continue;
     const FbxRecordValue** slot = large.Append();
     if (!slot) return false;
     *slot = &property;
@@ -57,9 +56,12 @@ bool CollectLarge(const FbxRecord& record, TArray<const FbxRecordValue*>& large)
 bool Pack(const FbxRecord& document, Packed& packed) {
   TArray<const FbxRecordValue*> large;
   if (!CollectLarge(document, large) || !packed.streams.SetSize(large.Count())) return false;
-  const u32 workers = ProcessorCount();
+  if (large.Count() == 0) return true;
+  u32 workers = ProcessorCount();
+  if (workers > kMaxCompressors) workers = kMaxCompressors;
+  if (workers > large.Count()) workers = large.Count();
   std::unique_ptr<libdeflate_compressor, CompressorDeleter> compressors[kMaxCompressors];
-  for (u32 i = 0; i < workers && i < kMaxCompressors; ++i) {
+  for (u32 i = 0; i < workers; ++i) {
     compressors[i].reset(libdeflate_alloc_compressor(kDeflateLevel));
     if (!compressors[i]) return false;
   }
@@ -76,7 +78,7 @@ bool Pack(const FbxRecord& document, Packed& packed) {
     const size_t size = libdeflate_zlib_compress(compressor, raw.Data(), raw.Size(), stream.Data(), bound);
     if (size == 0 || !stream.SetSize(static_cast<u32>(size))) failed = true;
   };
-  ParallelFor(large.Count(), workers < kMaxCompressors ? workers : kMaxCompressors, deflate);
+  ParallelFor(large.Count(), workers, deflate);
   return !failed;
 }
 
@@ -88,7 +90,7 @@ u64 PropertySize(const FbxRecordValue& property, const Packed& packed, u32& pack
     case 'D': case 'L': return 1 + 8;
     case 'S': case 'R': return 1 + 4 + u64(property.bytes.Size());
     default:
-      if (property.bytes.Size() > kFbxDeflateAbove) return 1 + kArrayHeaderSize + u64(packed.streams[packedIndex++].Size());
+      if (IsLarge(property)) return 1 + kArrayHeaderSize + u64(packed.streams[packedIndex++].Size());
       return 1 + kArrayHeaderSize + u64(property.bytes.Size());
   }
 }
@@ -144,7 +146,7 @@ void EmitProperty(Emitter& out, const FbxRecordValue& property, Packed& packed) 
       out.Bytes(property.bytes.Data(), property.bytes.Size());
       return;
     default: {
-      const bool deflated = property.bytes.Size() > kFbxDeflateAbove;
+      const bool deflated = IsLarge(property);
       const CByteBuffer& stored = deflated ? packed.streams[packed.next++] : property.bytes;
       out.Value<u32>(property.count);
       out.Value<u32>(deflated ? 1 : 0);

@@ -16,16 +16,6 @@ constexpr i64 kTicksPerSecond = 46186158000;
 constexpr i64 kDocumentId = 1000000000;
 constexpr const char* kCreator = "Tarnwick FBX writer";
 
-bool AddInt(FbxRecord* parent, const char* name, i32 value) {
-  FbxRecord* record = parent ? parent->AddChild(name) : nullptr;
-  return record && record->AddInt32(value);
-}
-
-bool AddText(FbxRecord* parent, const char* name, const char* value) {
-  FbxRecord* record = parent ? parent->AddChild(name) : nullptr;
-  return record && record->AddString(value);
-}
-
 bool HeaderExtension(FbxRecord& document, const FbxCreationTime& time, const FbxDocumentInfo* info) {
   FbxRecord* header = document.AddChild("FBXHeaderExtension", true);
   if (!AddInt(header, "FBXHeaderVersion", kHeaderVersion) || !AddInt(header, "FBXVersion", i32(kFbxFileVersion)) ||
@@ -99,10 +89,12 @@ bool Documents(FbxRecord& document, const char* sceneName) {
   FbxRecord* one = documents->AddChild("Document", true);
   if (!one || !one->AddInt64(kDocumentId) || !one->AddString(sceneName) || !one->AddString("Scene")) return false;
   FbxRecord* p = one->AddChild("Properties70", true);
-  FbxRecord* root = p ? one->AddChild("RootNode") : nullptr;
-  return root && AddRow(*p, "SourceObject", "object", "", "") &&
-         AddStringRow(*p, "ActiveAnimStackName", "KString", "", "", "") && root->AddInt64(0) &&
-         document.AddChild("References", true) != nullptr;
+  if (!p || !AddRow(*p, "SourceObject", "object", "", "") ||
+      !AddStringRow(*p, "ActiveAnimStackName", "KString", "", "", "")) {
+    return false;
+  }
+  FbxRecord* root = one->AddChild("RootNode");
+  return root && root->AddInt64(0) && document.AddChild("References", true) != nullptr;
 }
 
 bool Definitions(FbxRecord& document) {

@@ -1,32 +1,33 @@
 #include "fbx/sdk/fbx_exporter.h"
 
+#include <cstdarg>
 #include <cstring>
 
 #include "fbx/sdk/fbx_binary_writer.h"
 #include "fbx/sdk/fbx_document.h"
 #include "fbx/sdk/fbx_scene_writer.h"
 
-void FbxStatus::SetError(const char* what, const char* detail) {
-  (void)text.Format("%s%s%s", what, detail && *detail ? ": " : "", detail ? detail : "");
+void FbxStatus::SetError(const char* format, ...) {
+  va_list args;
+  va_start(args, format);
+  (void)text.FormatV(format, args);
+  va_end(args);
 }
 
 bool FbxExporter::Initialize(const char* newPath, int fileFormat, FbxIOSettings*) {
   status.Clear();
   if (fileFormat > 0) {
-    status.SetError("Unknown file format", nullptr);
+    status.SetError("Unknown file format");
     return false;
   }
   if (!newPath || !*newPath) {
-    status.SetError("No file name", nullptr);
+    status.SetError("No file name");
     return false;
   }
   if (!file.Open(newPath)) {
-    (void)path.Format("Cannot create file \"%s\"", newPath);
-    status.SetError(path.Text(), file.Error());
-    path.Clear(false);
+    status.SetError("Cannot create file \"%s\": %s", newPath, file.Error());
     return false;
   }
-  (void)path.Format("%s", newPath);
   return true;
 }
 
@@ -36,7 +37,7 @@ bool FbxExporter::SetFileExportVersion(const char* version, FbxSceneRenamer::ERe
 
 bool FbxExporter::Export(const FbxScene* scene, bool nonBlocking) {
   if (!file.IsOpen() || !scene || nonBlocking) {
-    status.SetError(file.IsOpen() ? "Only a blocking export of a scene is possible" : "Not initialized", nullptr);
+    status.SetError("%s", file.IsOpen() ? "Only a blocking export of a scene is possible" : "Not initialized");
     return false;
   }
   const FbxCreationTime time = GetFbxManager()->CreationTime();
@@ -45,12 +46,12 @@ bool FbxExporter::Export(const FbxScene* scene, bool nonBlocking) {
   FbxRecord document;
   CByteBuffer bytes;
   if (!BuildSceneDocument(*scene, time, document) || !WriteFbxBinary(document, timeText, bytes)) {
-    status.SetError("Out of memory", nullptr);
+    status.SetError("Out of memory");
     file.Discard();
     return false;
   }
   if (!file.Write(bytes.Data(), bytes.Size()) || !file.Commit()) {
-    status.SetError("Cannot write the file", file.Error());
+    status.SetError("Cannot write the file: %s", file.Error());
     return false;
   }
   return true;

@@ -8,7 +8,7 @@
 class FbxStatus {
  public:
   const char* GetErrorString() const { return text.Text(); }
-  void SetError(const char* what, const char* detail);
+  [[gnu::format(printf, 2, 3)]] void SetError(const char* format, ...);
   void Clear() { text.Clear(false); }
 
  private:
@@ -36,6 +36,5 @@ class FbxExporter final : public FbxObject, public FbxCreatable<FbxExporter> {
 
  private:
   OutputFile file;
-  TStringBufferA<260> path;
   FbxStatus status;
 };

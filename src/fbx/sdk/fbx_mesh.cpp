@@ -48,6 +48,7 @@ void FbxMesh::BeginPolygon(int, int, int, bool) {
 }
 
 bool FbxMesh::AddPolygon(int index, int) {
+  if (index < 0 || u32(index) >= controlPoints.Count()) return false;
   int* slot = polygonOpen ? polygonVertices.Append() : nullptr;
   if (!slot) return false;
   *slot = index;

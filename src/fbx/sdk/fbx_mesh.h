@@ -148,7 +148,8 @@ class FbxMesh final : public FbxGeometry, public FbxCreatable<FbxMesh> {
   // The material, texture and group of a polygon don't exist in the files written; they are taken
   // for the calls' sake.
   void BeginPolygon(int material = -1, int texture = -1, int group = -1, bool legacy = true);
-  // False when memory is refused or no polygon is open.
+  // False when memory is refused, no polygon is open, or `index` is no control point: a file
+  // that names a missing point is misread by every reader.
   [[nodiscard]] bool AddPolygon(int index, int textureUV = -1);
   // False when memory is refused; a polygon without vertices is dropped.
   [[nodiscard]] bool EndPolygon();

@@ -43,3 +43,13 @@ bool AddDoubleRow(FbxRecord& properties, const char* name, const char* type, con
   }
   return true;
 }
+
+bool AddInt(FbxRecord* parent, const char* name, i32 value) {
+  FbxRecord* record = parent ? parent->AddChild(name) : nullptr;
+  return record && record->AddInt32(value);
+}
+
+bool AddText(FbxRecord* parent, const char* name, const char* value) {
+  FbxRecord* record = parent ? parent->AddChild(name) : nullptr;
+  return record && record->AddString(value);
+}

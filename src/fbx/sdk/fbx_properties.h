@@ -15,3 +15,8 @@
                                 const char* flags, const char* value);
 [[nodiscard]] bool AddDoubleRow(FbxRecord& properties, const char* name, const char* type, const char* label,
                                 const char* flags, std::initializer_list<f64> values);
+
+// A value record `name: I value` or `name: S value` under `parent`; false for a null parent or when
+// memory is refused.
+[[nodiscard]] bool AddInt(FbxRecord* parent, const char* name, i32 value);
+[[nodiscard]] bool AddText(FbxRecord* parent, const char* name, const char* value);

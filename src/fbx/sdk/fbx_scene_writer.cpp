@@ -30,16 +30,6 @@ FbxRecord* FindChild(FbxRecord& record, const char* name) {
   return nullptr;
 }
 
-bool AddInt(FbxRecord& parent, const char* name, i32 value) {
-  FbxRecord* record = parent.AddChild(name);
-  return record && record->AddInt32(value);
-}
-
-bool AddText(FbxRecord& parent, const char* name, const char* value) {
-  FbxRecord* record = parent.AddChild(name);
-  return record && record->AddString(value);
-}
-
 bool AddMatrix(FbxRecord& parent, const char* name, const FbxAMatrix& matrix) {
   FbxRecord* record = parent.AddChild(name);
   f64* values = record ? record->AddDoubles(16) : nullptr;
@@ -82,6 +72,7 @@ const char* ModelClass(const FbxNode& node) {
   const FbxNodeAttribute* attribute = node.GetNodeAttribute();
   if (!attribute) return "Null";
   if (attribute->Kind() == FbxObjectKind::Mesh) return "Mesh";
+  if (attribute->Kind() != FbxObjectKind::Skeleton) return "Null";
   return SkeletonClass(static_cast<const FbxSkeleton&>(*attribute));
 }
 
@@ -92,7 +83,7 @@ bool AddVectorRow(FbxRecord& p, const char* name, const FbxPropertyT<FbxDouble3>
 
 bool WriteModel(FbxRecord& objects, const FbxNode& node) {
   FbxRecord* model = AddObject(objects, "Model", node, "Model", ModelClass(node));
-  if (!model || !AddInt(*model, "Version", kModelVersion)) return false;
+  if (!model || !AddInt(model, "Version", kModelVersion)) return false;
   FbxRecord* p = model->AddChild("Properties70", true);
   if (!p || !AddVectorRow(*p, "Lcl Translation", node.LclTranslation) ||
       !AddVectorRow(*p, "Lcl Rotation", node.LclRotation) || !AddVectorRow(*p, "Lcl Scaling", node.LclScaling)) {
@@ -100,7 +91,7 @@ bool WriteModel(FbxRecord& objects, const FbxNode& node) {
   }
   if (node.GetNodeAttribute() && !AddIntRow(*p, "DefaultAttributeIndex", "int", "Integer", "", 0)) return false;
   FbxRecord* shading = model->AddChild("Shading");
-  return shading && shading->AddChar('Y') && AddText(*model, "Culling", "CullingOff");
+  return shading && shading->AddChar('Y') && AddText(model, "Culling", "CullingOff");
 }
 
 bool WriteSkeleton(FbxRecord& objects, const FbxSkeleton& skeleton) {
@@ -119,10 +110,10 @@ FbxRecord* AddLayerElement(FbxRecord& geometry, const char* recordName, i32 type
                                              "ByPolygon", "ByEdge", "AllSame"};
   static constexpr const char* kReference[] = {"Direct", "Index", "IndexToDirect"};
   FbxRecord* record = geometry.AddChild(recordName, true);
-  if (!record || !record->AddInt32(typedIndex) || !AddInt(*record, "Version", kLayerElementVersion) ||
-      !AddText(*record, "Name", element.GetName()) ||
-      !AddText(*record, "MappingInformationType", kMapping[element.GetMappingMode()]) ||
-      !AddText(*record, "ReferenceInformationType", kReference[element.GetReferenceMode()])) {
+  if (!record || !record->AddInt32(typedIndex) || !AddInt(record, "Version", kLayerElementVersion) ||
+      !AddText(record, "Name", element.GetName()) ||
+      !AddText(record, "MappingInformationType", kMapping[element.GetMappingMode()]) ||
+      !AddText(record, "ReferenceInformationType", kReference[element.GetReferenceMode()])) {
     return nullptr;
   }
   return record;
@@ -187,13 +178,13 @@ bool WriteLayers(FbxRecord& geometry, const FbxMesh& mesh) {
   u32 next = 0;
   for (u32 l = 0; l < mesh.GetLayerCount(); ++l) {
     FbxRecord* layer = geometry.AddChild("Layer", true);
-    if (!layer || !layer->AddInt32(i32(l)) || !AddInt(*layer, "Version", kLayerVersion)) return false;
+    if (!layer || !layer->AddInt32(i32(l)) || !AddInt(layer, "Version", kLayerVersion)) return false;
     const FbxLayer& source = *mesh.GetLayer(int(l));
     const u32 count = (source.GetNormals() ? 1 : 0) + (source.GetUVs() ? 1 : 0) + (source.GetMaterials() ? 1 : 0);
     for (u32 e = 0; e < count; ++e, ++next) {
       FbxRecord* element = layer->AddChild("LayerElement", true);
-      if (!element || !AddText(*element, "Type", entries[next].type) ||
-          !AddInt(*element, "TypedIndex", entries[next].typedIndex)) {
+      if (!element || !AddText(element, "Type", entries[next].type) ||
+          !AddInt(element, "TypedIndex", entries[next].typedIndex)) {
         return false;
       }
     }
@@ -219,19 +210,19 @@ bool WriteGeometry(FbxRecord& objects, const FbxMesh& mesh) {
   if (!indices) return false;
   if (polygonVertices.Count()) std::memcpy(indices, polygonVertices.Data(), polygonVertices.Count() * sizeof(i32));
   for (u32 p = 0; p < mesh.GetPolygonCount(); ++p) indices[mesh.PolygonEnd(p) - 1] ^= -1;
-  return AddInt(*geometry, "GeometryVersion", kGeometryVersion) && WriteLayers(*geometry, mesh);
+  return AddInt(geometry, "GeometryVersion", kGeometryVersion) && WriteLayers(*geometry, mesh);
 }
 
 bool WriteSkin(FbxRecord& objects, const FbxSkin& skin) {
   FbxRecord* record = AddObject(objects, "Deformer", skin, "Deformer", "Skin");
-  if (!record || !AddInt(*record, "Version", kSkinVersion)) return false;
+  if (!record || !AddInt(record, "Version", kSkinVersion)) return false;
   FbxRecord* accuracy = record->AddChild("Link_DeformAcuracy");  // spelt so in the format
   return accuracy && accuracy->AddDouble(kSkinDeformAccuracy);
 }
 
 bool WriteCluster(FbxRecord& objects, const FbxCluster& cluster) {
   FbxRecord* record = AddObject(objects, "Deformer", cluster, "SubDeformer", "Cluster");
-  if (!record || !AddInt(*record, "Version", kClusterVersion)) return false;
+  if (!record || !AddInt(record, "Version", kClusterVersion)) return false;
   FbxRecord* userData = record->AddChild("UserData");
   if (!userData || !userData->AddString("") || !userData->AddString("")) return false;
   // A cluster without control points has neither array: readers want both or none.
@@ -255,8 +246,8 @@ bool WriteCluster(FbxRecord& objects, const FbxCluster& cluster) {
 bool WritePose(FbxRecord& objects, const FbxPose& pose) {
   const char* kind = pose.IsBindPose() ? "BindPose" : "RestPose";
   FbxRecord* record = AddObject(objects, "Pose", pose, "Pose", kind);
-  if (!record || !AddText(*record, "Type", kind) || !AddInt(*record, "Version", kPoseVersion) ||
-      !AddInt(*record, "NbPoseNodes", i32(pose.GetCount()))) {
+  if (!record || !AddText(record, "Type", kind) || !AddInt(record, "Version", kPoseVersion) ||
+      !AddInt(record, "NbPoseNodes", i32(pose.GetCount()))) {
     return false;
   }
   for (u32 i = 0; i < pose.GetCount(); ++i) {
@@ -272,8 +263,8 @@ bool WritePose(FbxRecord& objects, const FbxPose& pose) {
 
 bool WriteMaterial(FbxRecord& objects, const FbxSurfacePhong& phong) {
   FbxRecord* material = AddObject(objects, "Material", phong, "Material", "");
-  if (!material || !AddInt(*material, "Version", kMaterialVersion) || !AddText(*material, "ShadingModel", "phong") ||
-      !AddInt(*material, "MultiLayer", 0)) {
+  if (!material || !AddInt(material, "Version", kMaterialVersion) || !AddText(material, "ShadingModel", "phong") ||
+      !AddInt(material, "MultiLayer", 0)) {
     return false;
   }
   FbxRecord* p = material->AddChild("Properties70", true);
@@ -456,7 +447,7 @@ bool WriteDefinitions(FbxRecord& definitions, const TArray<const FbxObject*>& ob
   for (const Type& type : types) {
     if (type.count == 0) continue;
     FbxRecord* record = definitions.AddChild("ObjectType", true);
-    if (!record || !record->AddString(type.name) || !AddInt(*record, "Count", type.count)) return false;
+    if (!record || !record->AddString(type.name) || !AddInt(record, "Count", type.count)) return false;
     if (type.templateKind >= 0 && !AddPropertyTemplate(*record, FbxTemplate(type.templateKind))) return false;
   }
   FbxRecord* count = FindChild(definitions, "Count");
