@@ -66,6 +66,11 @@ i32 HeadlessWindowSystem::InsertString(i32 control, i32 index, const char* text)
     if (index < 0 || size_t(index) > c.items.size()) index = i32(c.items.size());
     c.items.insert(c.items.begin() + index, Item{text});
     result = index;
+    if (control == kLogList && logEcho) {
+      std::fputs(text, logEcho);
+      // A line that brings its own line end keeps it, once.
+      if (!*text || text[std::strlen(text) - 1] != '\n') std::fputc('\n', logEcho);
+    }
   });
   return result;
 }

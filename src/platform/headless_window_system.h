@@ -1,6 +1,7 @@
 #pragma once
 
 #include <condition_variable>
+#include <cstdio>
 #include <deque>
 #include <functional>
 #include <map>
@@ -57,6 +58,8 @@ class HeadlessWindowSystem final : public IWindowSystem {
   // first when none is there yet; gives the number run.
   u32 ProcessPending(u32 timeoutMs = 0);
   bool QuitPosted() const;
+  // Each line added to the log list is also written to `stream` (null: nowhere).
+  void EchoLog(std::FILE* stream) { logEcho = stream; }
   // At most `count` items in each list from now on; more give kListErrSpace.
   void SetListLimit(u32 count);
   // A copy of a control's state, taken on the main thread.
@@ -78,5 +81,6 @@ class HeadlessWindowSystem final : public IWindowSystem {
   std::deque<Call*> queue;
   std::map<i32, Control> controls;  // touched on the main thread only
   u32 listLimit = 0x7FFFFFFF;
+  std::FILE* logEcho = nullptr;
   bool quit = false;
 };

@@ -1,0 +1,38 @@
+#pragma once
+
+#include <string>
+
+#include "app/app_state.h"
+#include "platform/headless_window_system.h"
+
+// What every command shares: the options, and the application bound to a headless window whose
+// log lines go to standard error.
+struct CliOptions {
+  std::string game;      // --game: a known game's name; empty for the first one found
+  std::string dataDir;   // --data-dir: the per-user folder; empty for the platform's
+  std::string gameDir;   // --game-dir: an installation folder; skips discovery
+  std::string output;    // convert -o
+  std::string rig;       // convert --rig: the animation set of the rig to take
+  std::string argument;  // the pattern of list, the actor of convert
+};
+
+class CliSession {
+ public:
+  CliSession();
+  ~CliSession();
+  // Finds the games (or takes --game-dir) and loads the chosen one. False, after a message, when
+  // there is no game to load or it failed.
+  bool Open(const CliOptions& options, bool load);
+  AppState& App() { return app; }
+  HeadlessWindowSystem& Window() { return window; }
+  // Waits for the running worker, serving its window calls.
+  void Wait();
+
+ private:
+  HeadlessWindowSystem window;
+  AppState app;
+};
+
+int RunGames(const CliOptions& options);
+int RunList(const CliOptions& options);
+int RunConvert(const CliOptions& options);

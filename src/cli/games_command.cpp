@@ -1,0 +1,17 @@
+#include <cstdio>
+
+#include "cli/cli_session.h"
+
+// The games discovery found, one per line: name, a tab, the installation folder.
+int RunGames(const CliOptions& options) {
+  CliSession session;
+  if (!session.Open(options, false)) return 1;
+  HeadlessWindowSystem& window = session.Window();
+  for (i32 item = 0; item < window.GetCount(kGameCombo); ++item) {
+    const std::intptr_t row = window.GetItemData(kGameCombo, item);
+    if (row < 0 || row >= std::intptr_t(kGameCount)) continue;
+    const GameSlot& game = session.App().games[row];
+    std::printf("%s\t%s\n", game.name, game.folder.Text());
+  }
+  return 0;
+}

@@ -1,0 +1,75 @@
+#include <cstdio>
+#include <cstring>
+#include <string>
+
+#include "cli/cli_session.h"
+
+namespace {
+
+constexpr const char* kUsage =
+    "Usage: tarnwick-cli [OPTIONS] COMMAND\n"
+    "\n"
+    "Commands:\n"
+    "  games                          the installed games that were found\n"
+    "  list [PATTERN]                 the actor definitions, sorted; PATTERN filters as the search box\n"
+    "  convert ACTOR -o FILE.fbx [--rig NAME]\n"
+    "                                 writes one actor; --rig picks the rig by animation set name\n"
+    "                                 when several fit\n"
+    "\n"
+    "Options:\n"
+    "  --game NAME       the game to open (default: the first one found)\n"
+    "  --data-dir DIR    the per-user folder that holds the digest files\n"
+    "  --game-dir DIR    an installation folder to open, without looking for digests\n"
+    "  --help            this text\n"
+    "\n"
+    "Log lines go to standard error; the exit status is 0 on success.\n";
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  CliOptions options;
+  std::string command;
+  for (int i = 1; i < argc; ++i) {
+    const std::string arg = argv[i];
+    const bool hasValue = i + 1 < argc;
+    auto take = [&](std::string& into) {
+      if (!hasValue) return false;
+      into = argv[++i];
+      return true;
+    };
+    bool ok = true;
+    if (arg == "--help" || arg == "-h") {
+      std::fputs(kUsage, stdout);
+      return 0;
+    } else if (arg == "--game") {
+      ok = take(options.game);
+    } else if (arg == "--data-dir") {
+      ok = take(options.dataDir);
+    } else if (arg == "--game-dir") {
+      ok = take(options.gameDir);
+    } else if (arg == "-o" || arg == "--output") {
+      ok = take(options.output);
+    } else if (arg == "--rig") {
+      ok = take(options.rig);
+    } else if (!arg.empty() && arg[0] == '-') {
+      std::fprintf(stderr, "tarnwick-cli: unknown option %s\n\n%s", arg.c_str(), kUsage);
+      return 2;
+    } else if (command.empty()) {
+      command = arg;
+    } else if (options.argument.empty()) {
+      options.argument = arg;
+    } else {
+      std::fprintf(stderr, "tarnwick-cli: unexpected %s\n", arg.c_str());
+      return 2;
+    }
+    if (!ok) {
+      std::fprintf(stderr, "tarnwick-cli: %s needs a value\n", arg.c_str());
+      return 2;
+    }
+  }
+  if (command == "games") return RunGames(options);
+  if (command == "list") return RunList(options);
+  if (command == "convert") return RunConvert(options);
+  std::fprintf(stderr, "%s%s", command.empty() ? "" : ("tarnwick-cli: unknown command " + command + "\n\n").c_str(), kUsage);
+  return 2;
+}
