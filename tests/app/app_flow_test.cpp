@@ -190,3 +190,38 @@ TEST(AppFlow, DiscoversLoadsListsSearchesAndConverts) {
 }
 
 }  // namespace
+
+namespace {
+
+TEST(AppFlow, RequestsDuringALoadAreRefusedAndQuittingWaits) {
+  Installation installation;
+  installation.Digest("Marrowgate Studio", "Aldermoor", installation.Game("game", GameFiles()));
+  installation.Digest("Marrowgate Studio", "Dunmarrow", installation.Game("other", {{{"x.adr", ""}}}));
+  for (int round = 0; round < 3; ++round) {
+    App app;
+    InitMainDialog(app.state, app.window, installation.UserFolder().c_str());
+    // The load worker runs now; every request that would touch the tables is turned away.
+    SelectGame(app.state, 4);
+    app.window.SetText(kSearchEdit, "hero");
+    EXPECT_FALSE(StartWorker(app.state, WorkerKind::Search, 0, "*hero*"));
+    if (round == 2) continue;  // quit during the load: the destructor waits, serving the worker
+    WaitForWorker(app.state);
+    EXPECT_EQ(app.state.currentGame, 0);
+    EXPECT_EQ(app.Texts(kFileList).size(), 10u);
+  }
+}
+
+TEST(ReadTextFile, WholeFileOrNothing) {
+  testsupport::TempDir dir;
+  ASSERT_TRUE(testsupport::WriteFileBytes(dir.Join("empty"), ""));
+  ASSERT_TRUE(testsupport::WriteFileBytes(dir.Join("text"), std::string("a\\b\n\0c", 7)));
+  TStringBufferA<8> out;
+  EXPECT_TRUE(ReadTextFile(dir.Join("empty").c_str(), out));
+  EXPECT_STREQ(out.Text(), "");
+  EXPECT_TRUE(ReadTextFile(dir.Join("text").c_str(), out));
+  EXPECT_STREQ(out.Text(), "a\\b\n") << "a NUL ends the text";
+  EXPECT_FALSE(ReadTextFile(dir.Join("missing").c_str(), out));
+  EXPECT_STREQ(out.Text(), "");
+}
+
+}  // namespace
