@@ -147,6 +147,15 @@ i32 HeadlessWindowSystem::GetCount(i32 control) {
   return count;
 }
 
+void HeadlessWindowSystem::AddItems(i32 control, const ListItem* items, u32 count) {
+  OnMain([&] {
+    for (u32 i = 0; i < count; ++i) {
+      const i32 index = AddString(control, items[i].text);
+      if (index != kListErrSpace) SetItemData(control, index, items[i].data);
+    }
+  });
+}
+
 void HeadlessWindowSystem::SetTopIndex(i32 control, i32 index) {
   OnMain([&] { At(control).topIndex = index; });
 }

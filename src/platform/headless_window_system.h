@@ -46,6 +46,7 @@ class HeadlessWindowSystem final : public IWindowSystem {
   void ResetContent(i32 control) override;
   i32 GetCount(i32 control) override;
   void SetTopIndex(i32 control, i32 index) override;
+  void AddItems(i32 control, const ListItem* items, u32 count) override;
   void SetMarquee(i32 control, bool on, u32 stepMilliseconds) override;
   void SetText(i32 control, const char* text) override;
   bool GetText(i32 control, CStringBufferA& text) override;

@@ -24,6 +24,12 @@ enum ControlId : i32 {
 constexpr i32 kListError = -1;     // no such item, or no selection
 constexpr i32 kListErrSpace = -2;  // no room for another item
 
+// An item for a list, with the data it carries.
+struct ListItem {
+  const char* text;
+  std::intptr_t data;
+};
+
 // What the application asks of a window system: the operations on the main window's controls,
 // addressed by id. Every call may come from a worker thread; it is then carried out on the main
 // thread, and the worker waits for it. Lists that sort (the file list) insert in order and answer
@@ -46,6 +52,9 @@ class IWindowSystem {
   virtual void ResetContent(i32 control) = 0;
   virtual i32 GetCount(i32 control) = 0;
   virtual void SetTopIndex(i32 control, i32 index) = 0;
+  // Each item as AddString then SetItemData with the index it got; an item that finds no room is
+  // dropped. One crossing to the main thread for all, so a long list fills quickly.
+  virtual void AddItems(i32 control, const ListItem* items, u32 count) = 0;
 
   // Any control.
   virtual void SetMarquee(i32 control, bool on, u32 stepMilliseconds) = 0;
