@@ -1,0 +1,78 @@
+#include "support/image_writer.h"
+
+#include <zlib.h>
+
+namespace testsupport {
+
+namespace {
+
+void PutBE(std::string& out, u32 value) {
+  for (int shift = 24; shift >= 0; shift -= 8) out.push_back(static_cast<char>(value >> shift));
+}
+
+void PutLE(std::string& out, u32 value) {
+  for (int shift = 0; shift < 32; shift += 8) out.push_back(static_cast<char>(value >> shift));
+}
+
+std::vector<u8> Padded(u32 width, u32 height, const std::vector<u8>& rgba) {
+  std::vector<u8> pixels = rgba;
+  pixels.resize(size_t(width) * height * 4);
+  return pixels;
+}
+
+// Length, type, data and the CRC over type and data.
+std::string PngChunk(const char* type, const std::string& data) {
+  std::string out;
+  PutBE(out, static_cast<u32>(data.size()));
+  const std::string body = type + data;
+  out += body;
+  PutBE(out, static_cast<u32>(crc32(0, reinterpret_cast<const Bytef*>(body.data()), static_cast<uInt>(body.size()))));
+  return out;
+}
+
+}  // namespace
+
+std::string BuildPng(u32 width, u32 height, const std::vector<u8>& rgba) {
+  const std::vector<u8> pixels = Padded(width, height, rgba);
+  std::string rows;
+  for (u32 y = 0; y < height; ++y) {
+    rows.push_back('\0');  // filter type None
+    rows.append(reinterpret_cast<const char*>(pixels.data()) + size_t(y) * width * 4, size_t(width) * 4);
+  }
+  uLongf packedSize = compressBound(rows.size());
+  std::string packed(packedSize, '\0');
+  if (compress(reinterpret_cast<Bytef*>(packed.data()), &packedSize, reinterpret_cast<const Bytef*>(rows.data()),
+               rows.size()) != Z_OK) {
+    return "";
+  }
+  packed.resize(packedSize);
+
+  std::string header;
+  PutBE(header, width);
+  PutBE(header, height);
+  header += std::string{8, 6, 0, 0, 0};  // 8 bits per channel, RGBA, deflate, no filter method, no interlace
+  return "\x89PNG\r\n\x1a\n" + PngChunk("IHDR", header) + PngChunk("IDAT", packed) + PngChunk("IEND", "");
+}
+
+std::string BuildDds(u32 width, u32 height, const std::vector<u8>& rgba) {
+  constexpr u32 kHeaderSize = 124, kPixelFormatSize = 32;
+  constexpr u32 kCaps = 0x1, kHeight = 0x2, kWidth = 0x4, kPixelFormat = 0x1000;
+  constexpr u32 kAlphaPixels = 0x1, kRgb = 0x40;
+  constexpr u32 kTexture = 0x1000;
+  std::string out = "DDS ";
+  for (u32 word : {kHeaderSize, kCaps | kHeight | kWidth | kPixelFormat, height, width, 0u, 0u, 0u}) PutLE(out, word);
+  for (int reserved = 0; reserved < 11; ++reserved) PutLE(out, 0);
+  constexpr u32 kRedMask = 0x00FF0000, kGreenMask = 0x0000FF00, kBlueMask = 0x000000FF, kAlphaMask = 0xFF000000;
+  for (u32 word : {kPixelFormatSize, kRgb | kAlphaPixels, 0u, 32u, kRedMask, kGreenMask, kBlueMask, kAlphaMask}) {
+    PutLE(out, word);
+  }
+  for (u32 word : {kTexture, 0u, 0u, 0u, 0u}) PutLE(out, word);
+  const std::vector<u8> pixels = Padded(width, height, rgba);
+  for (size_t at = 0; at < pixels.size(); at += 4) {
+    out += {static_cast<char>(pixels[at + 2]), static_cast<char>(pixels[at + 1]), static_cast<char>(pixels[at]),
+            static_cast<char>(pixels[at + 3])};
+  }
+  return out;
+}
+
+}  // namespace testsupport
