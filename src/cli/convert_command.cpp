@@ -7,12 +7,6 @@
 
 namespace {
 
-struct PathAnswer : ISaveDialog {
-  const std::string& path;
-  explicit PathAnswer(const std::string& answer) : path(answer) {}
-  bool AskSavePath(CStringBufferA& out) override { return out.Format("%s", path.c_str()) > 0; }
-};
-
 // --rig answers the rig question by animation set name; without it the question can't be answered.
 struct RigAnswer : IRigDialog {
   const std::string& wanted;
@@ -30,6 +24,15 @@ struct RigAnswer : IRigDialog {
     for (const RigCandidate* c = candidates; c; c = c->next) std::fprintf(stderr, "  %s\n", c->name ? c->name : "(no name)");
     return 0;
   }
+};
+
+// The path of -o; cancelled when the rig question went unanswered, so that no file without the
+// rig the user meant is written.
+struct PathAnswer : ISaveDialog {
+  const std::string& path;
+  const RigAnswer& rig;
+  PathAnswer(const std::string& answer, const RigAnswer& rigAnswer) : path(answer), rig(rigAnswer) {}
+  bool AskSavePath(CStringBufferA& out) override { return !rig.unanswered && out.Format("%s", path.c_str()) > 0; }
 };
 
 }  // namespace
@@ -57,8 +60,8 @@ int RunConvert(const CliOptions& options) {
   const i32 logged = window.GetCount(kLogList);
   std::error_code ignored;
   const auto before = std::filesystem::last_write_time(options.output, ignored);
-  PathAnswer save(options.output);
   RigAnswer rig(options.rig);
+  PathAnswer save(options.output, rig);
   Convert(session.App(), save, rig);
   const bool written = std::filesystem::exists(options.output) &&
                        std::filesystem::last_write_time(options.output, ignored) != before;
