@@ -9,6 +9,7 @@
 #include "app/file_list.h"
 #include "app/log.h"
 #include "app/read_text_file.h"
+#include "app/tick_timer.h"
 #include "app_fixture.h"
 #include "core/hash.h"
 #include "support/fbx_reader.h"
@@ -222,6 +223,50 @@ TEST(ReadTextFile, WholeFileOrNothing) {
   EXPECT_STREQ(out.Text(), "a\\b\n") << "a NUL ends the text";
   EXPECT_FALSE(ReadTextFile(dir.Join("missing").c_str(), out));
   EXPECT_STREQ(out.Text(), "");
+}
+
+}  // namespace
+
+namespace {
+
+TEST(AppFlow, LoadFailuresLeaveOneLineAndTheGameSelectableAgain) {
+  struct Case {
+    const char* game;
+    std::vector<std::vector<PackFileEntry>> packs;
+    std::string corruptPack;  // raw bytes for assets_000.pack instead
+    const char* line;
+  };
+  const Case cases[] = {
+      {"Aldermoor", {}, std::string(40, '\xff'), "Failed to load assets for Aldermoor"},
+      {"Aldermoor", {{{"materials_3.xml", "<Object"}, {"a.adr", ""}}}, "", "Failed to parse materials_3.xml."},
+  };
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.line);
+    Installation installation;
+    std::string folder = installation.Game("game", c.packs);
+    if (!c.corruptPack.empty()) {
+      ASSERT_TRUE(testsupport::WriteFileBytes(folder + "/Resources/Assets/assets_000.pack", c.corruptPack));
+    }
+    installation.Digest("Marrowgate Studio", c.game, folder);
+    App app;
+    app.Start(installation);
+    const std::vector<std::string> log = app.NewLog();
+    EXPECT_EQ(log.back(), c.line);
+    EXPECT_FALSE(app.state.ready);
+    OnGameButton(app.state);  // the failed game is not the current one: it loads again
+    WaitForWorker(app.state);
+    EXPECT_EQ(app.NewLog().back(), c.line);
+  }
+}
+
+TEST(TickTimer, AtMost120TicksASecondAcrossAWrap) {
+  TickTimer timer(UINT32_MAX - 5);
+  EXPECT_TRUE(timer.Pass(UINT32_MAX - 5)) << "the first pass ticks";
+  EXPECT_FALSE(timer.Pass(UINT32_MAX - 1));
+  EXPECT_FALSE(timer.Pass(2)) << "4 + 3 ms across the wrap: still short of 8.33";
+  EXPECT_FALSE(timer.Pass(5));
+  EXPECT_TRUE(timer.Pass(6)) << "10 ms gathered";
+  EXPECT_EQ(timer.WaitMilliseconds(), 8u) << "a tick starts the count again, with that pass's 1 ms in it";
 }
 
 }  // namespace
