@@ -134,17 +134,17 @@ struct Box {
   End end = End::Bottom;
 };
 
-struct MeshSpec {
+struct MeshPlan {
   Surface surface;
   std::string texture;
   std::vector<Box> boxes;
   const char* semantic = "baseDiffuse";
 };
 
-struct ModelSpec {
+struct ModelPlan {
   std::vector<std::string> bones;  // the first bones in model order; the rest follow from the boxes
   RigLayout rig;                   // where the bones rest, for their bind matrices
-  std::vector<MeshSpec> meshes;
+  std::vector<MeshPlan> meshes;
   u32 bytesPerIndex = 2;
 };
 
@@ -159,9 +159,9 @@ u32 BoneIndex(const std::vector<std::string>& bones, const char* name) {
 }
 
 // A name misspelt in a box becomes a bone of its own, which no rig holds.
-std::vector<std::string> ModelBones(const ModelSpec& spec) {
-  std::vector<std::string> bones = spec.bones;
-  for (const MeshSpec& mesh : spec.meshes) {
+std::vector<std::string> ModelBones(const ModelPlan& plan) {
+  std::vector<std::string> bones = plan.bones;
+  for (const MeshPlan& mesh : plan.meshes) {
     for (const Box& box : mesh.boxes) {
       for (const char* name : {box.bone, box.joint}) {
         if (name && BoneIndex(bones, name) == bones.size()) bones.push_back(name);
@@ -237,10 +237,10 @@ std::vector<StreamDesc> Streams(Surface surface, const std::vector<Vertex>& vert
   return streams;
 }
 
-PaletteDesc Materials(const std::vector<MeshSpec>& meshes) {
+PaletteDesc Materials(const std::vector<MeshPlan>& meshes) {
   PaletteDesc palette;
   for (u32 m = 0; m < meshes.size(); ++m) {
-    const MeshSpec& mesh = meshes[m];
+    const MeshPlan& mesh = meshes[m];
     if (std::find(palette.names.begin(), palette.names.end(), mesh.texture) == palette.names.end()) {
       palette.names.push_back(mesh.texture);
     }
@@ -253,21 +253,21 @@ PaletteDesc Materials(const std::vector<MeshSpec>& meshes) {
   return palette;
 }
 
-std::string Model(const ModelSpec& spec) {
-  ModelDesc model{.materials = Materials(spec.meshes)};
-  const std::vector<std::string> bones = ModelBones(spec);
+std::string Model(const ModelPlan& plan) {
+  ModelDesc model{.materials = Materials(plan.meshes)};
+  const std::vector<std::string> bones = ModelBones(plan);
   const u32 boneCount = u32(bones.size());
   float low[3] = {1e9f, 1e9f, 1e9f}, high[3] = {-1e9f, -1e9f, -1e9f};
-  for (u32 m = 0; m < spec.meshes.size(); ++m) {
-    const MeshSpec& mesh = spec.meshes[m];
+  for (u32 m = 0; m < plan.meshes.size(); ++m) {
+    const MeshPlan& mesh = plan.meshes[m];
     std::vector<Vertex> vertices;
     std::vector<u32> indices;
     for (const Box& box : mesh.boxes) AddBox(vertices, indices, box, bones);
     const bool weighted = mesh.surface == Surface::Skinned || mesh.surface == Surface::Rigid;
     MeshDesc out{.firstDrawCall = m, .drawCallCount = 1, .bonePaletteSize = weighted ? boneCount : 0,
-                 .bytesPerIndex = spec.bytesPerIndex, .vertexCount = u32(vertices.size())};
+                 .bytesPerIndex = plan.bytesPerIndex, .vertexCount = u32(vertices.size())};
     out.streams = Streams(mesh.surface, vertices, boneCount);
-    for (u32 index : indices) PutU32(out.indexData, index, spec.bytesPerIndex);
+    for (u32 index : indices) PutU32(out.indexData, index, plan.bytesPerIndex);
     model.meshes.push_back(out);
     model.drawCalls.push_back({.boneMapEntryCount = weighted ? boneCount : 0, .vertexCount = out.vertexCount});
     for (const Vertex& v : vertices) {
@@ -282,7 +282,7 @@ std::string Model(const ModelSpec& spec) {
   for (u32 b = 0; b < boneCount; ++b) {
     model.boneMap.push_back({u16(b), u16(boneCount - 1 - b)});
     BoneDesc bone{.nameHash = HashNameWide(bones[b].c_str())};
-    const std::array<float, 3> rest = RestPosition(spec.rig, bones[b]);
+    const std::array<float, 3> rest = RestPosition(plan.rig, bones[b]);
     std::copy(rest.begin(), rest.end(), bone.matrix[3]);
     model.bones.push_back(bone);
   }
@@ -366,14 +366,14 @@ Files HumanoidPack() {
   ActorXml knightRed = NamedRig("models\\knight.dmod", "humanoid.mrn", "Idle");
   knightRed.paletteName = "materials\\knight_red.dmat";
 
-  const MeshSpec shield{Surface::Skinned, "textures\\shield_d.dds",
+  const MeshPlan shield{Surface::Skinned, "textures\\shield_d.dds",
                         {{{0.4f, 1.15f, 0}, {0.02f, 0.2f, 0.15f}, "arm_l"}}};
-  const ModelSpec knightModel{{}, humanoid, {{Surface::Skinned, "textures\\knight_d.png", HumanoidBody()}, shield}};
-  std::vector<MeshSpec> redKnight = knightModel.meshes;
+  const ModelPlan knightModel{{}, humanoid, {{Surface::Skinned, "textures\\knight_d.png", HumanoidBody()}, shield}};
+  std::vector<MeshPlan> redKnight = knightModel.meshes;
   redKnight[0].texture = "textures\\knight_red_d.dds";
   // The guard's bones in another order than the rig's, and its helmet's texture under the
   // parameter's other spelling.
-  const ModelSpec guard{{"head", "spine", "root", "leg_r", "leg_l", "arm_r", "arm_l"},
+  const ModelPlan guard{{"head", "spine", "root", "leg_r", "leg_l", "arm_r", "arm_l"},
                         humanoid,
                         {{Surface::Skinned, "textures\\guard_d.dds", HumanoidBody()},
                          {Surface::Skinned,
@@ -403,10 +403,10 @@ PackLayout CreaturePack() {
   const RigLayout humanoid = Humanoid(), beast = Beast();
   std::vector<Box> golem = HumanoidBody();
   for (Box& box : golem) box.joint = nullptr;  // stone doesn't bend
-  const ModelSpec wolf{{}, beast, {{Surface::Skinned, "textures\\wolf_d.png", BeastBody()}}};
-  const ModelSpec stoneGolem{{}, humanoid, {{Surface::Rigid, "textures\\golem_d.dds", golem}}};
+  const ModelPlan wolf{{}, beast, {{Surface::Skinned, "textures\\wolf_d.png", BeastBody()}}};
+  const ModelPlan stoneGolem{{}, humanoid, {{Surface::Rigid, "textures\\golem_d.dds", golem}}};
   // Only the humanoid rigs hold a spine, and both of them hold all three bones.
-  const ModelSpec scarecrow{{},
+  const ModelPlan scarecrow{{},
                             humanoid,
                             {{Surface::Skinned,
                               "textures\\scarecrow_d.png",
@@ -414,7 +414,7 @@ PackLayout CreaturePack() {
                                {{0, 1.35f, 0}, {0.6f, 0.04f, 0.04f}, "spine", "root"},
                                {{0, 1.65f, 0}, {0.14f, 0.15f, 0.14f}, "head", "spine"}}}}};
   // Only the beast has a tail.
-  const ModelSpec wyrm{{},
+  const ModelPlan wyrm{{},
                        beast,
                        {{Surface::Skinned,
                          "textures\\wyrm_d.dds",
@@ -447,10 +447,10 @@ Files PropPack() {
   ActorXml wisp = Borrowing("models\\wisp.dmod");
   wisp.invisible = "false";
   wisp.boneAttachmentName = "arm_l";
-  const ModelSpec wispModel{{}, {}, {{Surface::Glow, "textures\\wisp_d.png",
+  const ModelPlan wispModel{{}, {}, {{Surface::Glow, "textures\\wisp_d.png",
                                        {{{0, 1.2f, 0}, {0.1f, 0.1f, 0.1f}}, {{0, 1.2f, 0}, {0.05f, 0.18f, 0.05f}}}}}};
-  const ModelSpec barrel{{}, {}, {{Surface::Prop, "textures\\barrel_d.dds", {{{0, 0.45f, 0}, {0.3f, 0.45f, 0.3f}}}}}};
-  const ModelSpec crate{{},
+  const ModelPlan barrel{{}, {}, {{Surface::Prop, "textures\\barrel_d.dds", {{{0, 0.45f, 0}, {0.3f, 0.45f, 0.3f}}}}}};
+  const ModelPlan crate{{},
                         {},
                         {{Surface::Prop, "textures\\crate_d.png", {{{0, 0.4f, 0}, {0.4f, 0.4f, 0.4f}}}},
                          {Surface::Prop, "textures\\crate_bands_d.dds",
