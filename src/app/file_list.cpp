@@ -2,6 +2,7 @@
 
 #include <strings.h>
 
+#include <cstring>
 #include <string>
 
 #include "app/log.h"
@@ -30,22 +31,21 @@ struct WalkContext {
   }
 
   AppState& app;
-  TStringBufferA<261> name;
-  TStringBufferA<261> extension;
+  TStringBufferA<261> baseName;  // of a rig network
   CByteBuffer bytes;
   std::string texts[kBatchItems];
   ListItem items[kBatchItems];
   u32 pending = 0;
 };
 
-// The last four characters of `name` into `extension`, or the whole of a shorter name.
-void TakeExtension(WalkContext& walk, const char* name) {
-  walk.name.Assign(name);
-  const u32 length = walk.name.Length();
-  walk.extension.Assign(walk.name.Text() + (length > 4 ? length - 4 : 0));
-}
-
-bool Is(const WalkContext& walk, const char* extension) { return strcasecmp(walk.extension.Text(), extension) == 0; }
+// The last four characters of `name`, or the whole of a shorter name. Read in place: only names
+// that are listed or read get copied.
+struct Extension {
+  explicit Extension(const char* name) : length(std::strlen(name)), text(name + (length > 4 ? length - 4 : 0)) {}
+  bool Is(const char* extension) const { return strcasecmp(text, extension) == 0; }
+  size_t length;
+  const char* text;
+};
 
 }  // namespace
 
@@ -65,8 +65,7 @@ void SearchRequest(AppState& app) {
 void ListWalk(AppState& app) {
   WalkContext walk(app);
   app.packIndex.Walk([&](const char* name, const PackEntry* entry) {
-    TakeExtension(walk, name);
-    if (Is(walk, ".adr")) walk.Add(walk.name.Text(), entry);
+    if (Extension(name).Is(".adr")) walk.Add(name, entry);
     return true;
   });
 }
@@ -75,8 +74,7 @@ void SearchWalk(AppState& app, const char* filter) {
   app.window->ResetContent(kFileList);
   WalkContext walk(app);
   app.packIndex.Walk([&](const char* name, const PackEntry* entry) {
-    TakeExtension(walk, name);
-    if (Is(walk, ".adr") && WildcardMatch(walk.name.Text(), filter)) walk.Add(walk.name.Text(), entry);
+    if (Extension(name).Is(".adr") && WildcardMatch(name, filter)) walk.Add(name, entry);
     return true;
   });
 }
@@ -84,18 +82,18 @@ void SearchWalk(AppState& app, const char* filter) {
 void LoadWalk(AppState& app) {
   WalkContext walk(app);
   app.packIndex.Walk([&](const char* name, const PackEntry* entry) {
-    TakeExtension(walk, name);
-    if (Is(walk, ".mrn")) {
-      (void)walk.extension.Format("%.*s", int(walk.name.Length() - 4), walk.name.Text());
+    const Extension extension(name);
+    if (extension.Is(".mrn")) {
+      (void)walk.baseName.Format("%.*s", int(extension.length - 4), name);
       if (!PackIndex::FetchEntry(entry, walk.bytes) || !IsRigNetwork(walk.bytes)) return true;
       // The table keeps a copy of the key it is given as it stands, so it gets one of its own.
       CStringA key;
-      if (!key.Assign(walk.extension.Text())) return true;
+      if (!key.Assign(walk.baseName.Text())) return true;
       RigNetwork* network = app.rigs.FindOrInsert(key);
       // A read that fails takes the key out again, also where it replaced an earlier network.
       if (network && !Read(*network, walk.bytes)) app.rigs.Erase(key);
-    } else if (Is(walk, ".adr")) {
-      walk.Add(walk.name.Text(), entry);
+    } else if (extension.Is(".adr")) {
+      walk.Add(name, entry);
     }
     return true;
   });
