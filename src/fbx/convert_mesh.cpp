@@ -18,18 +18,24 @@ bool AddControlPoints(FbxMesh& fbxMesh, const ExportMesh& exportMesh) {
   return true;
 }
 
-bool AddNormals(FbxMesh& fbxMesh, const ExportMesh& exportMesh) {
-  FbxLayerElementNormal* normals = fbxMesh.CreateElementNormal();
-  if (!normals) return false;
-  normals->SetMappingMode(FbxLayerElement::eByControlPoint);
-  normals->SetReferenceMode(FbxLayerElement::eDirect);
-  auto& direct = normals->GetDirectArray();
+// Fills `element` with `value` of each vertex, in vertex order, mapped by control point.
+template <class Element, class Value>
+bool FillByControlPoint(Element* element, const ExportMesh& exportMesh, Value value) {
+  if (!element) return false;
+  element->SetMappingMode(FbxLayerElement::eByControlPoint);
+  element->SetReferenceMode(FbxLayerElement::eDirect);
+  auto& direct = element->GetDirectArray();
   if (!direct.Reserve(exportMesh.vertexCount)) return false;
   for (u32 v = 0; v < exportMesh.vertexCount; ++v) {
-    const f32* n = exportMesh.vertices[v].normal;
-    if (direct.Add({n[0], n[1], n[2], 1.0}) < 0) return false;
+    if (direct.Add(value(exportMesh.vertices[v])) < 0) return false;
   }
   return true;
+}
+
+bool AddNormals(FbxMesh& fbxMesh, const ExportMesh& exportMesh) {
+  return FillByControlPoint(fbxMesh.CreateElementNormal(), exportMesh, [](const ExportVertex& v) {
+    return FbxVector4{v.normal[0], v.normal[1], v.normal[2], 1.0};
+  });
 }
 
 // One UV set per channel the mesh has, each on a layer of its own from layer 0 on. `name` is left
@@ -46,16 +52,11 @@ bool AddUvSets(FbxMesh& fbxMesh, const ExportMesh& exportMesh, CStringBufferA& n
       if (!target) continue;  // no layer for this channel: it is left out
     }
     FbxLayerElementUV* uvs = FbxLayerElementUV::Create(&fbxMesh, name.Text());
-    if (!uvs) return false;
-    uvs->SetMappingMode(FbxLayerElement::eByControlPoint);
-    uvs->SetReferenceMode(FbxLayerElement::eDirect);
-    auto& direct = uvs->GetDirectArray();
-    if (!direct.Reserve(exportMesh.vertexCount)) return false;
-    for (u32 v = 0; v < exportMesh.vertexCount; ++v) {
-      const f32* uv = exportMesh.vertices[v].uv[channel];
-      const f32 flipped = 1.0f - uv[1];  // in single precision, as the game's value is
-      if (direct.Add({uv[0], flipped}) < 0) return false;
-    }
+    const bool filled = FillByControlPoint(uvs, exportMesh, [channel](const ExportVertex& v) {
+      const f32 flipped = 1.0f - v.uv[channel][1];  // in single precision, as the game's value is
+      return FbxVector2{v.uv[channel][0], flipped};
+    });
+    if (!filled) return false;
     target->SetUVs(uvs, FbxLayerElement::eTextureDiffuse);
     ++layer;
   }
