@@ -5,9 +5,7 @@
 #include "fbx/convert_mesh.h"
 #include "fbx/convert_state.h"
 #include "fbx/setup_rig.h"
-#include "gamedata/actor_definition.h"
-#include "gamedata/byte_reader.h"
-#include "gamedata/model_file.h"
+#include "gamedata/actor_files.h"
 
 namespace {
 
@@ -37,33 +35,26 @@ void Export(AppState& app, const char* actorName, const ActorDefinition& actor, 
 }  // namespace
 
 void Convert(AppState& app, ISaveDialog& save, IRigDialog& rigDialog) {
-  if (!app.ready) return;
-  const i32 selection = app.window->GetCurSel(kFileList);
-  if (selection < 0) return;
-  const auto* entry = reinterpret_cast<const PackEntry*>(app.window->GetItemData(kFileList, selection));
-  if (!entry || reinterpret_cast<std::intptr_t>(entry) == kListError) return;
+  const PackEntry* entry = SelectedEntry(app);
+  if (!entry) return;
   TStringBufferA<260> actorName;
   if (!GetSelectedName(app, actorName)) return;
 
   CByteBuffer actorBytes, modelBytes, paletteBytes;
-  ActorDefinition actor;
   if (!PackIndex::FetchEntry(entry, actorBytes)) return Log(app, "Error reading \"%s\".", actorName.Text());
-  if (!Read(actor, actorBytes)) return Log(app, "Error parsing \"%s\".", actorName.Text());
-  if (!app.packIndex.FetchByName(actor.fileName.Text(), modelBytes)) {
-    return Log(app, "Error reading \"%s\".", actor.fileName.Text());
+  ActorFiles files;
+  switch (ReadActorFiles(files, actorBytes, app.packIndex, modelBytes, paletteBytes)) {
+    case ActorFilesFailure::kNone:
+      break;
+    case ActorFilesFailure::kParseActor:
+    case ActorFilesFailure::kParseModel:
+      return Log(app, "Error parsing \"%s\".", actorName.Text());
+    case ActorFilesFailure::kReadModel:
+      return Log(app, "Error reading \"%s\".", files.actor.fileName.Text());
+    case ActorFilesFailure::kReadPalette:
+      return Log(app, "Error reading \"%s\".", files.actor.paletteName.Text());
+    case ActorFilesFailure::kParsePalette:
+      return Log(app, "Error parsing \"%s\".", files.actor.paletteName.Text());
   }
-  ModelFile model;
-  ModelMaterials modelMaterials, paletteMaterials;
-  if (!Read(model, modelBytes, modelMaterials)) return Log(app, "Error parsing \"%s\".", actorName.Text());
-  const ModelMaterials* materials = &modelMaterials;
-  if (actor.paletteName.Text()[0]) {
-    // A palette replaces the model's own materials as a whole.
-    if (!app.packIndex.FetchByName(actor.paletteName.Text(), paletteBytes)) {
-      return Log(app, "Error reading \"%s\".", actor.paletteName.Text());
-    }
-    ByteReader reader(paletteBytes);
-    if (!ReadMaterials(paletteMaterials, reader)) return Log(app, "Error parsing \"%s\".", actor.paletteName.Text());
-    materials = &paletteMaterials;
-  }
-  Export(app, actorName.Text(), actor, model, *materials, save, rigDialog);
+  Export(app, actorName.Text(), files.actor, files.model, files.Applied(), save, rigDialog);
 }

@@ -181,6 +181,19 @@ MaterialParameter::MaterialParameter(MaterialParameter&& other) noexcept
       parameterType(other.parameterType),
       parameterClass(other.parameterClass) {}
 
+u32 MaterialParameter::ReferencedHash() const {
+  u32 hash = 0;
+  if (dataSize == 4) std::memcpy(&hash, Data(), 4);
+  return hash;
+}
+
+const MaterialName* ModelMaterials::FindName(u32 hash) const {
+  for (const MaterialName& name : names) {
+    if (name.hash == hash) return &name;
+  }
+  return nullptr;
+}
+
 void MaterialParameter::FreeData() {
   if (dataSize > kInlineDataSize) MemFree(data.block);
   dataSize = 0;

@@ -105,6 +105,10 @@ struct MaterialParameter {
   MaterialParameter(MaterialParameter&& other) noexcept;
   ~MaterialParameter() { FreeData(); }
 
+  // Names one of its chunk's texture names.
+  bool IsTextureReference() const { return parameterClass == 4 && parameterType == 5 && dataSize == 4; }
+  // The data of a texture reference: the hash of the name.
+  u32 ReferencedHash() const;
   // Null when dataSize is 0.
   const u8* Data() const { return dataSize == 0 ? nullptr : dataSize <= kInlineDataSize ? data.inlineBytes : data.block; }
   void FreeData();
@@ -142,6 +146,9 @@ struct ModelMaterials {
 
   TArray<ModelMaterial> materials;
   TArray<MaterialName> names;
+
+  // The first name with `hash`, or null.
+  const MaterialName* FindName(u32 hash) const;
 };
 
 // Reads a whole model file. `materials` receives the file's material chunk, and is left as it is
