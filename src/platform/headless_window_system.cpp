@@ -46,13 +46,9 @@ i32 HeadlessWindowSystem::AddString(i32 control, const char* text) {
     Control& c = At(control);
     if (c.items.size() >= listLimit) return;
     // A sorting list places the item after those that equal it, ignoring case.
-    auto at = c.items.end();
-    if (c.sorted) {
-      at = std::upper_bound(c.items.begin(), c.items.end(), text,
-                            [](const char* t, const Item& item) { return strcasecmp(t, item.text.c_str()) < 0; });
-    }
-    result = i32(at - c.items.begin());
-    c.items.insert(at, Item{text});
+    const size_t at = c.sorted ? SortedPosition(c.items, text) : c.items.size();
+    result = i32(at);
+    c.items.insert(c.items.begin() + ptrdiff_t(at), Item{text});
     if (c.selection >= result) ++c.selection;
   });
   return result;
@@ -149,10 +145,9 @@ i32 HeadlessWindowSystem::GetCount(i32 control) {
 
 void HeadlessWindowSystem::AddItems(i32 control, const ListItem* items, u32 count) {
   OnMain([&] {
-    for (u32 i = 0; i < count; ++i) {
-      const i32 index = AddString(control, items[i].text);
-      if (index != kListErrSpace) SetItemData(control, index, items[i].data);
-    }
+    Control& c = At(control);
+    if (c.sorted) return MergeSorted(c.items, items, count, listLimit, c.selection);
+    for (u32 i = 0; i < count && c.items.size() < listLimit; ++i) c.items.push_back(Item{items[i].text, items[i].data});
   });
 }
 

@@ -10,6 +10,7 @@
 #include <thread>
 #include <vector>
 
+#include "platform/list_entries.h"
 #include "platform/window_system.h"
 
 // The window system without a display: each control is a record of its items, text and states,
@@ -18,12 +19,9 @@
 // one that made this object, runs them in ProcessPending. Used by the tests and the command line.
 class HeadlessWindowSystem final : public IWindowSystem {
  public:
-  struct Item {
-    std::string text;
-    std::intptr_t data = 0;
-  };
+  using Item = ListEntry;
   struct Control {
-    std::vector<Item> items;
+    ListEntries items;
     bool sorted = false;
     i32 selection = kListError;
     i32 topIndex = 0;
