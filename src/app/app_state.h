@@ -28,6 +28,7 @@ struct AppState {
   AppState& operator=(const AppState&) = delete;
 
   IWindowSystem* window = nullptr;  // the main window's controls; null until the dialog exists
+  IRenderWindow* renderWindow = nullptr;  // the preview, owned by the window; null without one
   TStringBufferA<512> lineBuffer;   // one log line at a time, under logLock
   CStringBufferA olderMakerFolder;
   CStringBufferA newerMakerFolder;

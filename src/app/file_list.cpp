@@ -8,6 +8,7 @@
 #include "app/log.h"
 #include "app/worker.h"
 #include "assets/wildcard_match.h"
+#include "preview/render_window.h"
 
 namespace {
 
@@ -109,4 +110,21 @@ bool GetSelectedName(AppState& app, CStringBufferA& text) {
   if (copied < 0) return false;
   text.SetLength(u32(copied));
   return true;
+}
+
+const PackEntry* SelectedEntry(AppState& app) {
+  if (!app.ready) return nullptr;
+  const i32 selection = app.window->GetCurSel(kFileList);
+  if (selection < 0) return nullptr;
+  const std::intptr_t data = app.window->GetItemData(kFileList, selection);
+  return data == kListError ? nullptr : reinterpret_cast<const PackEntry*>(data);
+}
+
+void OnFileSelected(AppState& app) {
+  if (!SelectedEntry(app)) return;
+  TStringBufferA<260> name;
+  // Without a preview there is nothing to show.
+  if (!GetSelectedName(app, name) || !app.renderWindow) return;
+  (void)app.renderWindow->LoadActor(name.Text(), &app.materials);
+  app.window->SetText(kInfoText, app.renderWindow->GetInfoText());
 }

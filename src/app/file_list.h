@@ -15,3 +15,9 @@ void LoadWalk(AppState& app);
 
 // The text of the file list's selected item; false without a game, a selection or the text.
 [[nodiscard]] bool GetSelectedName(AppState& app, CStringBufferA& text);
+
+// The pack entry of the file list's selected item; null without a game or a selection.
+const PackEntry* SelectedEntry(AppState& app);
+
+// Shows the selected actor in the preview and its textures in the info panel.
+void OnFileSelected(AppState& app);

@@ -6,6 +6,7 @@
 #include "app/worker.h"
 #include "assets/normalize_path.h"
 #include "platform/user_folder.h"
+#include "preview/render_window.h"
 
 namespace {
 
@@ -50,6 +51,8 @@ void InitMainDialog(AppState& app, IWindowSystem& window, const char* userFolder
   (void)maker.Format("%s\\Marrowgate Studio\\", app.lineBuffer.Text());
   NormalizePath(maker.Text(), app.newerMakerFolder);
   app.window = &window;
+  app.renderWindow = window.RenderWindow();
+  if (app.renderWindow) (void)app.renderWindow->Init(&app.packIndex);
   Discover(app);
 }
 

@@ -5,6 +5,8 @@
 #include "core/string_buffer.h"
 #include "core/types.h"
 
+class IRenderWindow;
+
 // The controls of the main window, by id.
 enum ControlId : i32 {
   kFileList = 1001,
@@ -63,6 +65,9 @@ class IWindowSystem {
   virtual bool GetText(i32 control, CStringBufferA& text) = 0;
   virtual void Enable(i32 control, bool enable) = 0;
   virtual void Show(i32 control, bool show) = 0;
+
+  // The preview of the render control, or null when there is none. Owned by the window system.
+  virtual IRenderWindow* RenderWindow() { return nullptr; }
 
   // Ends the main loop at its next pass.
   virtual void PostQuit(i32 code) = 0;

@@ -1,0 +1,164 @@
+#include "preview/render_window.h"
+
+#include <cmath>
+
+#include "core/hash.h"
+#include "gamedata/actor_files.h"
+#include "mesh/preview_mesh.h"
+
+namespace {
+
+constexpr f32 kVerticalFov = 1.0471976f;  // 60 degrees
+constexpr f32 kNearPlane = 0.1f;
+constexpr f32 kFarPlane = 50.0f;
+constexpr f32 kBallRadius = 0.9f;
+constexpr f32 kClearColour[4] = {0.75f, 0.75f, 0.75f, 1.0f};
+
+// The texture that a material names for `parameterName`, or null. Only the first parameter with
+// that name counts, and it must be a texture reference.
+const char* FindTextureName(const char* parameterName, const ModelMaterial& material) {
+  const u32 hash = HashKey(parameterName);
+  for (const MaterialParameter& parameter : material.parameters) {
+    if (parameter.semanticHash != hash) continue;
+    if (!parameter.IsTextureReference() || parameter.ReferencedHash() == 0 || !material.owner) return nullptr;
+    const MaterialName* name = material.owner->FindName(parameter.ReferencedHash());
+    return name ? name->text.Text() : nullptr;
+  }
+  return nullptr;
+}
+
+}  // namespace
+
+CRenderWindow::CRenderWindow(IRenderHost& renderHost, i32 width, i32 height)
+    : host(renderHost), camera(width, height) {
+  (void)infoText.Reserve(16384);
+}
+
+CRenderWindow::~CRenderWindow() { Shutdown(); }
+
+bool CRenderWindow::Init(PackIndex* packs) {
+  Shutdown();
+  i32 width = 0, height = 0;
+  device = host.OpenDevice(width, height);
+  if (!device) return false;
+  packIndex = packs;
+  worldMatrix = Matrix4{};
+  modelOffset = Matrix4{};
+  aspect = f32(width) / f32(height);
+  verticalFov = kVerticalFov;
+  horizontalFov = 2.0f * std::atan(aspect * std::tan(0.5235987901687622f));
+  projectionMatrix = MatrixPerspectiveFovRH(verticalFov, aspect, kNearPlane, kFarPlane);
+  camera.SetWindow(width, height, kBallRadius);
+  textures.cache.SetDevice(device);
+  textures.cache.ReleaseAll();
+  textures.packIndex = packIndex;
+  textures.device = device;
+  return true;
+}
+
+void CRenderWindow::Shutdown() {
+  if (!device) return;
+  // Graphics objects go before the device, with its context current.
+  (void)host.MakeCurrent();
+  ReleaseDrawList();
+  textures.cache.ReleaseAll();
+  textures.cache.SetDevice(nullptr);
+  textures.device = nullptr;
+  host.CloseDevice();
+  device = nullptr;
+}
+
+void CRenderWindow::Tick() {
+  if (!device) return;
+  device->Clear(kClearColour, 1.0f);
+  camera.SetRotationMatrix(MatrixRotationQuaternion(camera.CurrentRotation()));
+  worldMatrix = MatrixMultiply(camera.RotationMatrix(), camera.TranslationMatrix());
+  // Centred first, then turned, then moved away from the eye.
+  const Matrix4 shaderWorld = MatrixMultiply(modelOffset, worldMatrix);
+  const Matrix4 identity;
+  device->SetMatrices(shaderWorld, identity, identity, projectionMatrix);
+  for (const DrawNode& node : drawList) {
+    const Technique technique = node.texture ? Technique::kRenderTextured : Technique::kRender;
+    (void)device->Draw(technique, node.mesh, node.indexCount, node.texture);
+  }
+}
+
+void CRenderWindow::HandleMouse(IMouseCapture& capture, u32 message, u32 buttons, i32 x, i32 y,
+                                bool captureToSelf) {
+  if (camera.HandleMessage(capture, message, buttons, x, y, captureToSelf)) host.RequestFrame();
+}
+
+bool CRenderWindow::LoadActor(const char* name, const MaterialDefinitionSet* materials) {
+  // The old model goes before the new one is known to be good.
+  if (device && host.MakeCurrent()) ReleaseDrawList();
+  host.RequestFrame();
+  if (!materials || !packIndex || !device || !name) return false;
+  if (!packIndex->FetchByName(name, actorBytes)) return false;
+  ActorFiles files;
+  if (ReadActorFiles(files, actorBytes, *packIndex, modelBytes, paletteBytes) != ActorFilesFailure::kNone) {
+    return false;
+  }
+  const ModelMaterials& applied = files.Applied();
+  infoText.Clear(false);
+  infoText.AppendFormat("Info for %s\r\n\r\n", name);
+  for (u32 i = 0; i < files.model.meshes.Count(); ++i) {
+    infoText.AppendFormat("-- Textures for mesh %u\r\n", i);
+    // A palette may hold fewer materials than the model has meshes; such a mesh can't be shown.
+    if (i >= applied.materials.Count() || !BuildDrawNode(applied.materials[i], files.model.meshes[i], *materials)) {
+      ReleaseDrawList();
+      return false;
+    }
+  }
+  const ModelBounds& bounds = files.model.bounds;
+  camera.FrameBounds(&bounds[0], &bounds[3], horizontalFov, verticalFov, modelOffset);
+  return true;
+}
+
+bool CRenderWindow::BuildDrawNode(const ModelMaterial& material, const ModelMesh& mesh,
+                                  const MaterialDefinitionSet& materials) {
+  const InputLayout* layout = materials.ChooseInputLayout(material.definitionHash);
+  if (!layout) return false;
+  PreviewMesh preview;
+  if (!BuildPreview(preview, mesh, layout)) return false;
+  DrawNode node;
+  if (!device->CreateMesh(preview, node.mesh)) return false;
+  node.indexCount = preview.indexCount;
+  for (const MaterialParameter& parameter : material.parameters) {
+    if (!parameter.IsTextureReference() || !material.owner) continue;
+    if (const MaterialName* texture = material.owner->FindName(parameter.ReferencedHash())) {
+      infoText.AppendFormat("%s\r\n", texture->text.Text());
+    }
+  }
+  // The catalogue spells the diffuse parameter both ways.
+  const char* diffuse = FindTextureName("baseDiffuse", material);
+  if (!diffuse) diffuse = FindTextureName("BaseDiffuse", material);
+  if (diffuse) node.texture = GetTexture(diffuse);
+  DrawNode* slot = drawList.Append();
+  if (!slot) {
+    device->ReleaseMesh(node.mesh);
+    return false;
+  }
+  *slot = node;
+  return true;
+}
+
+u32 CRenderWindow::GetTexture(const char* name) {
+  if (!textures.packIndex || !textures.device || !name) return 0;
+  TextureEntry* entry = textures.cache.FindOrAdd(name);
+  if (!entry) return 0;
+  if (entry->texture) return entry->texture;
+  DecodedImage image;
+  if (textures.packIndex->FetchByName(name, textures.imageBytes) &&
+      DecodeImage(textures.imageBytes.Data(), textures.imageBytes.Size(), image)) {
+    entry->texture = textures.device->CreateTexture(image);
+  }
+  if (!entry->texture) textures.cache.Remove(name);  // the slot is free again
+  return entry->texture;
+}
+
+void CRenderWindow::ReleaseDrawList() {
+  // The textures live for one load: shared between the meshes of a model, not between models.
+  textures.cache.ReleaseAll();
+  for (DrawNode& node : drawList) device->ReleaseMesh(node.mesh);
+  (void)drawList.SetSize(0);
+}

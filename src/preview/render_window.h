@@ -1,0 +1,90 @@
+#pragma once
+
+#include "assets/pack_index.h"
+#include "core/byte_buffer.h"
+#include "core/string_buffer.h"
+#include "gamedata/material_definitions.h"
+#include "gamedata/model_file.h"
+#include "preview/arc_ball_camera.h"
+#include "preview/render_device.h"
+#include "preview/texture_cache.h"
+
+// The preview as the application sees it. Main thread only.
+class IRenderWindow {
+ public:
+  virtual ~IRenderWindow() = default;
+  // Opens the graphics on the control and keeps `packIndex` for loads. False leaves the control
+  // blank, and every other call then does nothing.
+  virtual bool Init(PackIndex* packIndex) = 0;
+  virtual void Shutdown() = 0;
+  // Draws a frame.
+  virtual void Tick() = 0;
+  // Shows the actor definition `name` of the packs; false when it can't be shown.
+  virtual bool LoadActor(const char* name, const MaterialDefinitionSet* materials) = 0;
+  // The info panel's text, never null; valid until the next LoadActor.
+  virtual const char* GetInfoText() = 0;
+};
+
+// One mesh ready to draw. The texture belongs to the texture cache.
+struct DrawNode {
+  GpuMesh mesh;
+  u32 indexCount = 0;
+  u32 texture = 0;  // 0: drawn flat with Technique::kRender
+};
+
+// Where textures come from: the packs, decoded into the cache's textures on the device.
+struct TextureSource {
+  const PackIndex* packIndex = nullptr;
+  IRenderDevice* device = nullptr;
+  CByteBuffer imageBytes{0x1000000};  // the last fetched image file, reused
+  TextureCache cache;
+};
+
+// The render control: camera, the shown model's meshes and textures, and the info text.
+class CRenderWindow final : public IRenderWindow {
+ public:
+  // `host` is the control's window; `width` and `height` a first guess at its size.
+  CRenderWindow(IRenderHost& host, i32 width, i32 height);
+  ~CRenderWindow() override;
+  CRenderWindow(const CRenderWindow&) = delete;
+  CRenderWindow& operator=(const CRenderWindow&) = delete;
+
+  bool Init(PackIndex* packIndex) override;
+  void Shutdown() override;
+  void Tick() override;
+  bool LoadActor(const char* name, const MaterialDefinitionSet* materials) override;
+  const char* GetInfoText() override { return infoText.Text(); }
+
+  // A mouse message of the control; `capture` takes and gives back the pointer.
+  void HandleMouse(IMouseCapture& capture, u32 message, u32 buttons, i32 x, i32 y, bool captureToSelf = false);
+
+  const ArcBallCamera& Camera() const { return camera; }
+  const Matrix4& ModelOffset() const { return modelOffset; }
+  const Matrix4& Projection() const { return projectionMatrix; }
+  u32 DrawCount() const { return drawList.Count(); }
+  const DrawNode& DrawAt(u32 index) const { return drawList[index]; }
+  f32 HorizontalFov() const { return horizontalFov; }
+
+ private:
+
+  bool BuildDrawNode(const ModelMaterial& material, const ModelMesh& mesh, const MaterialDefinitionSet& materials);
+  u32 GetTexture(const char* name);
+  void ReleaseDrawList();
+
+  IRenderHost& host;
+  ArcBallCamera camera;
+  CByteBuffer actorBytes{0x8000};
+  CByteBuffer modelBytes{0x1000000};
+  CByteBuffer paletteBytes{0x100000};
+  PackIndex* packIndex = nullptr;
+  IRenderDevice* device = nullptr;  // null while the control is blank
+  Matrix4 worldMatrix;
+  Matrix4 modelOffset;
+  Matrix4 projectionMatrix;
+  TArray<DrawNode> drawList;  // in mesh order, which is the drawing order
+  TextureSource textures;
+  CStringBufferA infoText;
+  f32 verticalFov = 0;
+  f32 horizontalFov = 0;
+  f32 aspect = 0;
+};

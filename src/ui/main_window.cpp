@@ -1,0 +1,130 @@
+#include "ui/main_window.h"
+
+#include <QCloseEvent>
+#include <QComboBox>
+#include <QKeyEvent>
+#include <QLabel>
+#include <QLineEdit>
+#include <QListView>
+#include <QPlainTextEdit>
+#include <QProgressBar>
+#include <QPushButton>
+
+#include "app/convert.h"
+#include "app/file_list.h"
+#include "app/game_selection.h"
+#include "app/worker.h"
+#include "ui/dialog_units.h"
+#include "ui/render_widget.h"
+
+namespace {
+
+QListView* MakeListView(QWidget* parent, ItemListModel* model) {
+  auto* view = new QListView(parent);
+  view->setModel(model);
+  // Rows of one height let a list of many thousand items lay out at once.
+  view->setUniformItemSizes(true);
+  view->setEditTriggers(QAbstractItemView::NoEditTriggers);
+  view->setSelectionMode(QAbstractItemView::SingleSelection);
+  return view;
+}
+
+}  // namespace
+
+MainWindow::MainWindow(AppState& state) : app(state) {
+  setWindowTitle(QStringLiteral("Tarnwick"));
+  setWindowFlags(Qt::Window | Qt::MSWindowsFixedSizeDialogHint | Qt::WindowTitleHint |
+                 Qt::WindowSystemMenuHint | Qt::WindowMinimizeButtonHint | Qt::WindowCloseButtonHint);
+  QFont dialogFont = font();
+  dialogFont.setPointSize(8);
+  setFont(dialogFont);
+  const DialogUnits units(dialogFont);
+  setFixedSize(units.ToPixels(904, 449));
+
+  // In the template's order, which is also the tab order.
+  auto* fileModel = new ItemListModel(true, this);
+  fileView = MakeListView(this, fileModel);
+  fileView->setGeometry(units.ToPixels(6, 24, 258, 204));
+  windowSystem.AddList(kFileList, fileModel, fileView);
+
+  searchEdit = new QLineEdit(this);
+  searchEdit->setGeometry(units.ToPixels(6, 6, 144, 14));
+  searchEdit->installEventFilter(this);
+  windowSystem.AddControl(kSearchEdit, searchEdit);
+
+  auto* logModel = new ItemListModel(false, this);
+  QListView* logView = MakeListView(this, logModel);
+  logView->setGeometry(units.ToPixels(6, 258, 258, 59));
+  windowSystem.AddList(kLogList, logModel, logView);
+
+  convertButton = new QPushButton(QStringLiteral("Convert"), this);
+  convertButton->setGeometry(units.ToPixels(222, 6, 42, 14));
+  windowSystem.AddControl(kConvertButton, convertButton);
+
+  auto* gameModel = new ItemListModel(false, this);
+  auto* gameCombo = new QComboBox(this);
+  gameCombo->setModel(gameModel);
+  gameCombo->setGeometry(units.ToPixels(6, 234, 66, 14));
+  windowSystem.AddCombo(kGameCombo, gameModel, gameCombo);
+
+  auto* searchButton = new QPushButton(QStringLiteral(">"), this);
+  searchButton->setGeometry(units.ToPixels(156, 6, 13, 14));
+  windowSystem.AddControl(kSearchButton, searchButton);
+
+  auto* gameButton = new QPushButton(QStringLiteral(">"), this);
+  gameButton->setGeometry(units.ToPixels(78, 234, 13, 14));
+  windowSystem.AddControl(kGameButton, gameButton);
+
+  auto* progressBar = new QProgressBar(this);
+  progressBar->setGeometry(units.ToPixels(186, 234, 78, 12));
+  progressBar->setTextVisible(false);
+  windowSystem.AddControl(kProgressBar, progressBar);
+
+  auto* statusText = new QLabel(QStringLiteral("Static"), this);
+  statusText->setGeometry(units.ToPixels(96, 234, 90, 8));
+  windowSystem.AddControl(kStatusText, statusText);
+
+  renderWidget = new RenderWidget(this);
+  renderWidget->setGeometry(units.ToPixels(270, 6, 630, 438));
+  windowSystem.AddControl(kRenderControl, renderWidget);
+  windowSystem.SetRenderWindow(&renderWidget->Preview());
+
+  auto* infoText = new QPlainTextEdit(this);
+  infoText->setReadOnly(true);
+  infoText->setLineWrapMode(QPlainTextEdit::NoWrap);
+  infoText->setGeometry(units.ToPixels(6, 324, 258, 120));
+  windowSystem.AddControl(kInfoText, infoText);
+
+  // Only the user's changes of the selection show an actor; the window system's own don't.
+  QObject::connect(fileView->selectionModel(), &QItemSelectionModel::selectionChanged, this, [this] {
+    if (!windowSystem.ChangingSelection()) OnFileSelected(app);
+  });
+  QObject::connect(convertButton, &QPushButton::clicked, this, [this] { Convert(app, saveDialog, rigDialog); });
+  QObject::connect(searchButton, &QPushButton::clicked, this, [this] { SearchRequest(app); });
+  QObject::connect(gameButton, &QPushButton::clicked, this, [this] { OnGameButton(app); });
+}
+
+MainWindow::~MainWindow() {
+  // The worker may wait on a control call; it is served until it ends, then nothing points here.
+  if (app.window == &windowSystem) WaitForWorker(app);
+  app.renderWindow = nullptr;
+  app.window = nullptr;
+}
+
+void MainWindow::Start(const char* userFolder) { InitMainDialog(app, windowSystem, userFolder); }
+
+void MainWindow::closeEvent(QCloseEvent* event) {
+  windowSystem.PostQuit(0);
+  event->accept();
+}
+
+bool MainWindow::eventFilter(QObject* watched, QEvent* event) {
+  if (watched != searchEdit) return QWidget::eventFilter(watched, event);
+  const auto type = event->type();
+  if (type != QEvent::KeyPress && type != QEvent::KeyRelease) return false;
+  const int key = static_cast<QKeyEvent*>(event)->key();
+  if (key != Qt::Key_Return && key != Qt::Key_Enter) return false;
+  // Return searches when it is released; its press never reaches the edit, nor rings or inserts.
+  if (type == QEvent::KeyRelease && !static_cast<QKeyEvent*>(event)->isAutoRepeat()) SearchRequest(app);
+  return true;
+}

@@ -1,0 +1,47 @@
+#pragma once
+
+#include <QWidget>
+
+#include "app/app_state.h"
+#include "ui/qt_window_system.h"
+#include "ui/rig_dialog.h"
+#include "ui/save_dialog.h"
+
+class QLineEdit;
+class QListView;
+class QPushButton;
+class RenderWidget;
+
+// The program's one window, "Tarnwick": file list and search at the top left, the game selector
+// and status below them, the log and the info panel, and the preview on the right. Nothing in it
+// moves or resizes.
+class MainWindow final : public QWidget {
+ public:
+  explicit MainWindow(AppState& app);
+  ~MainWindow() override;
+
+  // Binds the application to the window and finds the games under `userFolder` (null: the
+  // platform's per-user folder). Call once the window is shown, so that the preview has its
+  // graphics.
+  void Start(const char* userFolder);
+
+  QtWindowSystem& Window() { return windowSystem; }
+  RenderWidget& Render() { return *renderWidget; }
+  QListView& FileView() { return *fileView; }
+  QLineEdit& SearchEdit() { return *searchEdit; }
+  QPushButton& ConvertButton() { return *convertButton; }
+
+ protected:
+  void closeEvent(QCloseEvent* event) override;
+  bool eventFilter(QObject* watched, QEvent* event) override;
+
+ private:
+  AppState& app;
+  QtWindowSystem windowSystem;
+  QtSaveDialog saveDialog{this};
+  QtRigDialog rigDialog{this};
+  QListView* fileView = nullptr;
+  QLineEdit* searchEdit = nullptr;
+  QPushButton* convertButton = nullptr;
+  RenderWidget* renderWidget = nullptr;
+};

@@ -1,0 +1,20 @@
+#include "ui/save_dialog.h"
+
+#include <QFileDialog>
+
+bool QtSaveDialog::AskSavePath(CStringBufferA& path) {
+  QFileDialog dialog(parent);
+  // The toolkit's own dialog looks the same on every desktop, and tests can answer it.
+  dialog.setOption(QFileDialog::DontUseNativeDialog);
+  dialog.setAcceptMode(QFileDialog::AcceptSave);
+  dialog.setFileMode(QFileDialog::AnyFile);
+  dialog.setNameFilter(QStringLiteral("FBX ( *.fbx)"));
+  dialog.setDefaultSuffix(QStringLiteral("fbx"));
+  if (dialog.exec() != QDialog::Accepted) return false;
+  const QStringList files = dialog.selectedFiles();
+  if (files.isEmpty()) return false;
+  const QByteArray chosen = files.first().toUtf8();
+  // The path goes into a buffer of 1024 characters; a longer one is refused, not cut.
+  if (chosen.size() >= 1024) return false;
+  return path.Format("%s", chosen.constData()) >= 0;
+}
