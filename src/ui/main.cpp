@@ -1,11 +1,11 @@
 // tarnwick: the desktop program.
 #include <QApplication>
-#include <QSurfaceFormat>
 #include <cstdio>
 #include <cstring>
 
 #include "app/app_state.h"
 #include "ui/main_window.h"
+#include "ui/render_widget.h"
 
 namespace {
 
@@ -32,12 +32,7 @@ int main(int argc, char** argv) {
       return 2;
     }
   }
-  // The preview's shaders need a 3.3 core context; set before any window exists.
-  QSurfaceFormat format;
-  format.setVersion(3, 3);
-  format.setProfile(QSurfaceFormat::CoreProfile);
-  format.setDepthBufferSize(24);
-  QSurfaceFormat::setDefaultFormat(format);
+  RenderWidget::UseSurfaceFormat();
   QApplication application(argc, argv);
 
   AppState app;

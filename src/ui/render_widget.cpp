@@ -1,6 +1,7 @@
 #include "ui/render_widget.h"
 
 #include <QMouseEvent>
+#include <QSurfaceFormat>
 #include <QWheelEvent>
 
 namespace {
@@ -30,6 +31,14 @@ u32 ButtonMessage(Qt::MouseButton button, u32 offset) {
 }
 
 }  // namespace
+
+void RenderWidget::UseSurfaceFormat() {
+  QSurfaceFormat format;
+  format.setVersion(3, 3);
+  format.setProfile(QSurfaceFormat::CoreProfile);
+  format.setDepthBufferSize(24);
+  QSurfaceFormat::setDefaultFormat(format);
+}
 
 RenderWidget::RenderWidget(QWidget* parent) : QOpenGLWidget(parent), preview(*this, 640, 480) {
   frameTimer.setTimerType(Qt::PreciseTimer);

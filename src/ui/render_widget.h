@@ -15,6 +15,10 @@ class RenderWidget final : public QOpenGLWidget, private IRenderHost, private IM
   explicit RenderWidget(QWidget* parent);
   ~RenderWidget() override;
 
+  // Asks every window for the context the shaders need, OpenGL 3.3 core with a depth buffer.
+  // Call before the application object exists.
+  static void UseSurfaceFormat();
+
   CRenderWindow& Preview() { return preview; }
   // Frames drawn so far, for tests and measurements.
   u64 FrameCount() const { return frames; }

@@ -1,5 +1,6 @@
 #include "support/skinned_actor.h"
 
+#include <algorithm>
 #include <cmath>
 #include <cstring>
 
@@ -46,6 +47,13 @@ SkinnedActor BuildSkinnedActor(const SkinnedActorDesc& desc) {
   PaletteDesc palette;
   for (u32 m = 0; m < desc.meshCount; ++m) {
     palette.materials.push_back({.materialKey = m, .definitionHash = HashExact("SkinnedMaterial")});
+    static const std::vector<std::pair<std::string, std::string>> kNoTextures;
+    for (const auto& [parameter, texture] : m < desc.textures.size() ? desc.textures[m] : kNoTextures) {
+      palette.materials.back().parameters.push_back(TextureParameter(HashKey(parameter.c_str()), texture));
+      if (std::find(palette.names.begin(), palette.names.end(), texture) == palette.names.end()) {
+        palette.names.push_back(texture);
+      }
+    }
     MeshDesc mesh{.firstDrawCall = m, .drawCallCount = 1, .bonePaletteSize = desc.boneCount,
                   .bytesPerIndex = bytesPerIndex, .vertexCount = vertexCount};
     StreamDesc stream{.stride = desc.secondUv ? 48u : 40u};
@@ -73,6 +81,7 @@ SkinnedActor BuildSkinnedActor(const SkinnedActorDesc& desc) {
     model.drawCalls.push_back({.boneMapEntryCount = desc.boneCount, .vertexCount = vertexCount});
   }
   model.materials = palette;
+  std::copy(desc.bounds.begin(), desc.bounds.end(), model.bounds);
   for (u32 b = 0; b < desc.boneCount; ++b) {
     const std::string name = "bone_" + std::to_string(b);
     model.boneMap.push_back({u16(b), u16(b)});

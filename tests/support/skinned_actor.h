@@ -1,5 +1,6 @@
 #pragma once
 
+#include <array>
 #include <string>
 #include <utility>
 #include <vector>
@@ -17,6 +18,10 @@ struct SkinnedActorDesc {
   u32 boneCount = 4;  // at most 256: palette slots are bytes
   bool secondUv = false;  // a second UV set at usage index 2, every vertex (0.25, 1.5)
   bool chain = false;     // each bone under the one before; otherwise bone i under (i - 1) / 2
+  // Per mesh, its material's texture parameters as (parameter name, texture name); the texture
+  // names join the chunk's name table.
+  std::vector<std::vector<std::pair<std::string, std::string>>> textures{};
+  std::array<f32, 6> bounds{};  // the model's box, minimum then maximum
 };
 
 struct SkinnedActor {

@@ -1,0 +1,211 @@
+#include "preview/render_window.h"
+
+#include <gtest/gtest.h>
+
+#include <cstring>
+#include <string>
+#include <vector>
+
+#include "core/hash.h"
+#include "support/image_writer.h"
+#include "support/model_writer.h"
+#include "support/pack_writer.h"
+#include "support/skinned_actor.h"
+#include "support/temp_dir.h"
+#include "support/xml_writer.h"
+
+namespace {
+
+using testsupport::PackFileEntry;
+
+// Records what the render control asks of the graphics.
+class FakeDevice final : public IRenderDevice {
+ public:
+  struct DrawCall {
+    Technique technique;
+    u32 indexCount;
+    u32 texture;
+  };
+
+  bool CreateMesh(const PreviewMesh& mesh, GpuMesh& out) override {
+    out.vertexArray = ++lastHandle;
+    ++liveMeshes;
+    vertexCounts.push_back(mesh.vertexCount);
+    return true;
+  }
+  void ReleaseMesh(GpuMesh& mesh) override {
+    if (mesh.vertexArray) --liveMeshes;
+    mesh = GpuMesh{};
+  }
+  u32 CreateTexture(const DecodedImage& image) override {
+    ++liveTextures;
+    firstPixels.push_back(std::string(reinterpret_cast<const char*>(image.pixels.Data()), 4));
+    return ++lastHandle;
+  }
+  void ReleaseTexture(u32) override { --liveTextures; }
+  void Clear(const f32 colour[4], f32 depth) override {
+    std::memcpy(clearColour, colour, sizeof(clearColour));
+    clearDepth = depth;
+    draws.clear();
+  }
+  void SetMatrices(const Matrix4& worldMatrix, const Matrix4&, const Matrix4&, const Matrix4&) override {
+    world = worldMatrix;
+  }
+  bool Draw(Technique technique, const GpuMesh&, u32 indexCount, u32 texture) override {
+    draws.push_back({technique, indexCount, texture});
+    return true;
+  }
+
+  u32 lastHandle = 0;
+  i32 liveMeshes = 0;
+  i32 liveTextures = 0;
+  std::vector<u32> vertexCounts;
+  std::vector<std::string> firstPixels;  // RGBA of each texture's first pixel, in upload order
+  f32 clearColour[4] = {};
+  f32 clearDepth = 0;
+  Matrix4 world;
+  std::vector<DrawCall> draws;
+};
+
+class FakeHost final : public IRenderHost {
+ public:
+  IRenderDevice* OpenDevice(i32& width, i32& height) override {
+    width = 200;
+    height = 200;
+    return available ? &device : nullptr;
+  }
+  bool MakeCurrent() override { return true; }
+  void CloseDevice() override { ++closed; }
+  void RequestFrame() override {}
+
+  bool available = true;
+  i32 closed = 0;
+  FakeDevice device;
+};
+
+std::string SolidPng(u8 r, u8 g, u8 b) { return testsupport::BuildPng(2, 2, std::vector<u8>{r, g, b, 255, r, g, b, 255, r, g, b, 255, r, g, b, 255}); }
+
+// A game of one pack: the catalogue, the actors and their files.
+class RenderWindowTest : public ::testing::Test {
+ protected:
+  void Open(std::vector<PackFileEntry> files) {
+    ASSERT_TRUE(testsupport::WriteFileBytes(dir.Join("assets_000.pack"),
+                                            testsupport::BuildPack({{testsupport::PackChunk{files}}})));
+    ASSERT_TRUE(packs.Open(dir.Path().c_str()));
+    CByteBuffer catalogue;
+    ASSERT_TRUE(packs.FetchByName("materials_3.xml", catalogue));
+    ASSERT_TRUE(materials.Read(catalogue));
+    ASSERT_TRUE(preview.Init(&packs));
+  }
+  // The actor `name` over `model`, with the catalogue and `extra` files.
+  std::vector<PackFileEntry> Game(const testsupport::SkinnedActor& model, std::vector<PackFileEntry> extra = {}) {
+    extra.push_back({"materials_3.xml", model.catalogue});
+    extra.push_back({"models\\thing.dmod", model.model});
+    extra.push_back({"actors\\thing.adr", testsupport::BuildActor({.fileName = "models\\thing.dmod"})});
+    return extra;
+  }
+
+  testsupport::TempDir dir;
+  PackIndex packs;
+  MaterialDefinitionSet materials;
+  FakeHost host;
+  CRenderWindow preview{host, 640, 480};
+};
+
+TEST_F(RenderWindowTest, InfoTextListsEachMeshsTexturesAndDrawsTheDiffuseOne) {
+  testsupport::SkinnedActorDesc desc{.meshCount = 4, .gridSize = 3, .boneCount = 2};
+  desc.textures = {
+      {{"normalMap", "tex\\n.dds"}, {"baseDiffuse", "tex\\a.png"}},
+      {{"BaseDiffuse", "TEX\\A.PNG"}},  // the other spelling; the name's hash ignores case
+      {{"detail", "tex\\broken.png"}, {"glow", "tex\\b.png"}},  // neither spelling: flat
+      {{"baseDiffuse", "tex\\broken.png"}},             // can't be decoded: flat, still listed
+  };
+  Open(Game(testsupport::BuildSkinnedActor(desc), {{"tex\\a.png", SolidPng(10, 200, 30)},
+                                                   {"tex\\b.png", SolidPng(1, 2, 3)},
+                                                   {"tex\\broken.png", "not an image"}}));
+
+  ASSERT_TRUE(preview.LoadActor("actors\\thing.adr", &materials));
+  EXPECT_STREQ(preview.GetInfoText(),
+               "Info for actors\\thing.adr\r\n\r\n"
+               "-- Textures for mesh 0\r\ntex\\n.dds\r\ntex\\a.png\r\n"
+               "-- Textures for mesh 1\r\ntex\\a.png\r\n"  // the first name with that hash
+               "-- Textures for mesh 2\r\ntex\\broken.png\r\ntex\\b.png\r\n"
+               "-- Textures for mesh 3\r\ntex\\broken.png\r\n");
+  // One decode for both spellings of a.png; b.png is listed but never fetched.
+  ASSERT_EQ(host.device.firstPixels, (std::vector<std::string>{std::string("\x0A\xC8\x1E\xFF", 4)}));
+  preview.Tick();
+  const auto& draws = host.device.draws;
+  ASSERT_EQ(draws.size(), 4u);
+  EXPECT_EQ(draws[0].technique, Technique::kRenderTextured);
+  EXPECT_EQ(draws[1].technique, Technique::kRenderTextured);
+  EXPECT_EQ(draws[0].texture, draws[1].texture);
+  EXPECT_EQ(draws[2].technique, Technique::kRender);
+  EXPECT_EQ(draws[3].technique, Technique::kRender);
+  EXPECT_EQ(draws[0].indexCount, 24u);  // a 3 x 3 grid: 8 triangles
+  EXPECT_EQ(host.device.clearColour[0], 0.75f);
+  EXPECT_EQ(host.device.clearColour[3], 1.0f);
+  EXPECT_EQ(host.device.clearDepth, 1.0f);
+
+  // A second load of the same actor decodes the image anew, and the old meshes are gone.
+  ASSERT_TRUE(preview.LoadActor("actors\\thing.adr", &materials));
+  EXPECT_EQ(host.device.firstPixels.size(), 2u);
+  EXPECT_EQ(host.device.liveMeshes, 4);
+  EXPECT_EQ(host.device.liveTextures, 1);
+}
+
+TEST_F(RenderWindowTest, FramesTheModelsBox) {
+  testsupport::SkinnedActorDesc desc{.meshCount = 1, .gridSize = 2, .boneCount = 1};
+  desc.bounds = {1, 1, 1, 3, 3, 3};  // size 2, centred on (2, 2, 2)
+  Open(Game(testsupport::BuildSkinnedActor(desc)));
+  ASSERT_TRUE(preview.LoadActor("actors\\thing.adr", &materials));
+  preview.Tick();
+  // Centred, unturned, then moved 3.6 away: the box of size 2 at an aspect of 1.
+  const Matrix4& world = host.device.world;
+  EXPECT_FLOAT_EQ(world.m[3][0], -2.0f);
+  EXPECT_FLOAT_EQ(world.m[3][1], -2.0f);
+  EXPECT_NEAR(world.m[3][2], -2.0f - 3.6f, 1e-5f);
+  EXPECT_FLOAT_EQ(world.m[0][0], 1.0f);
+}
+
+TEST_F(RenderWindowTest, FailedLoadsEmptyThePreviewAndKeepTheTextUpToTheirFailure) {
+  testsupport::SkinnedActorDesc desc{.meshCount = 2, .gridSize = 2, .boneCount = 1};
+  testsupport::SkinnedActor model = testsupport::BuildSkinnedActor(desc);
+  testsupport::PaletteDesc shortPalette;  // one material for two meshes
+  shortPalette.materials.push_back({.definitionHash = HashExact("SkinnedMaterial")});
+  Open(Game(model, {{"actors\\palette_gone.adr", testsupport::BuildActor({.fileName = "models\\thing.dmod",
+                                                                         .paletteName = "gone.dmat"})},
+                    {"actors\\short.adr", testsupport::BuildActor({.fileName = "models\\thing.dmod",
+                                                                  .paletteName = "short.dmat"})},
+                    {"short.dmat", testsupport::BuildPalette(shortPalette)},
+                    {"actors\\broken.adr", "<ActorRuntime>"}}));
+  ASSERT_TRUE(preview.LoadActor("actors\\thing.adr", &materials));
+  const std::string good = preview.GetInfoText();
+
+  for (const char* early : {"actors\\missing.adr", "actors\\broken.adr", "actors\\palette_gone.adr"}) {
+    EXPECT_FALSE(preview.LoadActor(early, &materials)) << early;
+    EXPECT_EQ(preview.GetInfoText(), good) << early;
+    EXPECT_EQ(preview.DrawCount(), 0u) << early;
+  }
+  EXPECT_FALSE(preview.LoadActor("actors\\short.adr", &materials));
+  EXPECT_STREQ(preview.GetInfoText(),
+               "Info for actors\\short.adr\r\n\r\n-- Textures for mesh 0\r\n-- Textures for mesh 1\r\n");
+  EXPECT_EQ(preview.DrawCount(), 0u);
+  EXPECT_EQ(host.device.liveMeshes, 0);
+  EXPECT_FALSE(preview.LoadActor("actors\\thing.adr", nullptr));
+}
+
+TEST(RenderWindowHollow, WithoutGraphicsEveryCallDoesNothing) {
+  FakeHost host;
+  host.available = false;
+  CRenderWindow preview(host, 640, 480);
+  EXPECT_STREQ(preview.GetInfoText(), "");
+  PackIndex packs;
+  EXPECT_FALSE(preview.Init(&packs));
+  MaterialDefinitionSet materials;
+  EXPECT_FALSE(preview.LoadActor("actors\\thing.adr", &materials));
+  preview.Tick();
+  EXPECT_TRUE(host.device.draws.empty());
+  EXPECT_EQ(host.closed, 0);
+}
+
+}  // namespace

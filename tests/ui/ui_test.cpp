@@ -1,0 +1,172 @@
+// The desktop program on a real display (Xvfb with software OpenGL): the sample game from start-up
+// to a drawn frame and a written file.
+#include <gtest/gtest.h>
+
+#include <QApplication>
+#include <QCoreApplication>
+#include <QDir>
+#include <QElapsedTimer>
+#include <QFileDialog>
+#include <QImage>
+#include <QListView>
+#include <QPushButton>
+#include <QThread>
+#include <QTimer>
+#include <cstdlib>
+#include <functional>
+#include <string>
+
+#include "app/app_state.h"
+#include "preview/render_window.h"
+#include "support/fbx_reader.h"
+#include "support/sample_game.h"
+#include "support/temp_dir.h"
+#include "ui/main_window.h"
+#include "ui/render_widget.h"
+
+namespace {
+
+bool PumpUntil(const std::function<bool()>& done, int timeoutMs = 30000) {
+  QElapsedTimer clock;
+  clock.start();
+  while (!done()) {
+    if (clock.elapsed() > timeoutMs) return false;
+    QCoreApplication::processEvents(QEventLoop::AllEvents, 10);
+    QThread::msleep(1);
+  }
+  return true;
+}
+
+std::string ReadAll(const std::string& path) {
+  std::string bytes;
+  if (std::FILE* file = std::fopen(path.c_str(), "rb")) {
+    char chunk[65536];
+    for (size_t n; (n = std::fread(chunk, 1, sizeof(chunk), file)) > 0;) bytes.append(chunk, n);
+    std::fclose(file);
+  }
+  return bytes;
+}
+
+// Equal but for the time of writing, which the header and the footer carry.
+void ExpectSameRecords(const testsupport::FbxReadRecord& a, const testsupport::FbxReadRecord& b) {
+  ASSERT_EQ(a.name, b.name);
+  if (a.name == "CreationTimeStamp" || a.name == "CreationTime" || a.name == "FileId") return;
+  ASSERT_EQ(a.properties.size(), b.properties.size()) << a.name;
+  for (size_t i = 0; i < a.properties.size(); ++i) {
+    const auto &p = a.properties[i], &q = b.properties[i];
+    EXPECT_TRUE(p.code == q.code && p.integer == q.integer && p.real == q.real && p.bytes == q.bytes &&
+                p.reals == q.reals && p.integers == q.integers)
+        << a.name << " property " << i;
+  }
+  ASSERT_EQ(a.children.size(), b.children.size()) << a.name;
+  for (size_t i = 0; i < a.children.size(); ++i) ExpectSameRecords(a.children[i], b.children[i]);
+}
+
+bool IsClearGrey(QRgb pixel) {
+  return std::abs(qRed(pixel) - 191) <= 1 && std::abs(qGreen(pixel) - 191) <= 1 && std::abs(qBlue(pixel) - 191) <= 1;
+}
+
+class DesktopTest : public ::testing::Test {
+ protected:
+  void SetUp() override {
+    std::string error;
+    ASSERT_TRUE(testsupport::BuildSampleGame(dir.Path(), &error)) << error;
+    window.show();
+    window.Start(testsupport::SampleGameLayout(dir.Path()).userData.c_str());
+    ASSERT_TRUE(PumpUntil([&] { return app.ready && !app.workerBusy; }));
+  }
+
+  // Selects `name` in the file list as a user's click does.
+  void Select(const char* name) {
+    QtWindowSystem& windows = window.Window();
+    for (i32 row = 0; row < windows.GetCount(kFileList); ++row) {
+      char text[260] = {};
+      if (windows.GetTextLength(kFileList, row) < 260 && windows.GetText(kFileList, row, text) >= 0 &&
+          std::string(text) == name) {
+        QListView& view = window.FileView();
+        view.selectionModel()->setCurrentIndex(view.model()->index(row, 0), QItemSelectionModel::ClearAndSelect);
+        return;
+      }
+    }
+    FAIL() << name << " is not listed";
+  }
+
+  testsupport::TempDir dir;
+  AppState app;
+  MainWindow window{app};
+};
+
+TEST_F(DesktopTest, SelectedActorIsDrawnWithItsTextureAndListedInThePanel) {
+  EXPECT_EQ(window.Window().GetCount(kFileList), 10);
+  Select("actors\\knight.adr");
+  CStringBufferA panel;
+  ASSERT_TRUE(window.Window().GetText(kInfoText, panel));
+  EXPECT_STREQ(panel.Text(),
+               "Info for actors\\knight.adr\n\n"
+               "-- Textures for mesh 0\ntextures\\knight_d.png\n"
+               "-- Textures for mesh 1\ntextures\\shield_d.dds\n");
+
+  const QImage frame = window.Render().grabFramebuffer().convertToFormat(QImage::Format_RGB32);
+  ASSERT_FALSE(frame.isNull());
+  const QString artifacts = QStringLiteral(TARNWICK_ARTIFACT_DIR);
+  QDir().mkpath(artifacts);
+  EXPECT_TRUE(frame.save(artifacts + QStringLiteral("/preview_knight.png")));
+  EXPECT_TRUE(window.grab().save(artifacts + QStringLiteral("/main_window.png")));
+
+  const int w = frame.width(), h = frame.height();
+  for (const QPoint corner : {QPoint(0, 0), QPoint(w - 1, 0), QPoint(0, h - 1), QPoint(w - 1, h - 1)}) {
+    EXPECT_TRUE(IsClearGrey(frame.pixel(corner))) << corner.x() << "," << corner.y();
+  }
+  EXPECT_FALSE(IsClearGrey(frame.pixel(w / 2, h / 2)));
+  // The body's texture is blue (70, 90, 160); lit, its pixels keep blue the strongest channel.
+  int textured = 0, model = 0;
+  for (int y = 0; y < h; y += 2) {
+    for (int x = 0; x < w; x += 2) {
+      const QRgb p = frame.pixel(x, y);
+      if (IsClearGrey(p)) continue;
+      ++model;
+      if (qBlue(p) > qRed(p) + 20 && qBlue(p) > qGreen(p) + 10) ++textured;
+    }
+  }
+  EXPECT_GT(model, w * h / 4 / 50);
+  EXPECT_GT(textured, model / 3);
+}
+
+TEST_F(DesktopTest, ConvertWritesTheSameFileAsTheCommandLine) {
+  Select("actors\\wolf.adr");
+  const std::string fromWindow = dir.Join("window_wolf.fbx");
+  const std::string fromCli = dir.Join("cli_wolf.fbx");
+  // The test answers the save dialog as a user would.
+  bool answered = false;
+  QTimer::singleShot(0, [&] {
+    PumpUntil([&] { return qobject_cast<QFileDialog*>(QApplication::activeModalWidget()) != nullptr; }, 10000);
+    if (auto* dialog = qobject_cast<QFileDialog*>(QApplication::activeModalWidget())) {
+      dialog->selectFile(QString::fromStdString(fromWindow));
+      static_cast<QDialog*>(dialog)->accept();  // the file dialog checks and takes the name
+      answered = true;
+    }
+  });
+  window.ConvertButton().click();
+  ASSERT_TRUE(answered);
+
+  const testsupport::SampleGamePaths paths = testsupport::SampleGameLayout(dir.Path());
+  const std::string command = std::string(TARNWICK_CLI) + " --data-dir '" + paths.userData +
+                              "' convert 'actors\\wolf.adr' -o '" + fromCli + "' 2>/dev/null >/dev/null";
+  ASSERT_EQ(std::system(command.c_str()), 0);
+
+  testsupport::FbxReadFile a, b;
+  std::string error;
+  ASSERT_TRUE(testsupport::ReadFbxBinary(ReadAll(fromWindow), a, error)) << error;
+  ASSERT_TRUE(testsupport::ReadFbxBinary(ReadAll(fromCli), b, error)) << error;
+  ASSERT_EQ(a.records.size(), b.records.size());
+  for (size_t i = 0; i < a.records.size(); ++i) ExpectSameRecords(a.records[i], b.records[i]);
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  RenderWidget::UseSurfaceFormat();
+  QApplication application(argc, argv);
+  ::testing::InitGoogleTest(&argc, argv);
+  return RUN_ALL_TESTS();
+}
