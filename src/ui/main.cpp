@@ -5,7 +5,7 @@
 
 #include "app/app_state.h"
 #include "ui/main_window.h"
-#include "ui/render_widget.h"
+#include "ui/render_control.h"
 
 namespace {
 
@@ -32,7 +32,7 @@ int main(int argc, char** argv) {
       return 2;
     }
   }
-  RenderWidget::UseSurfaceFormat();
+  RenderControl::UseSurfaceFormat();
   QApplication application(argc, argv);
 
   AppState app;

@@ -15,7 +15,7 @@
 #include "app/game_selection.h"
 #include "app/worker.h"
 #include "ui/dialog_units.h"
-#include "ui/render_widget.h"
+#include "ui/render_control.h"
 
 namespace {
 
@@ -84,10 +84,10 @@ MainWindow::MainWindow(AppState& state) : app(state) {
   statusText->setGeometry(units.ToPixels(96, 234, 90, 8));
   windowSystem.AddControl(kStatusText, statusText);
 
-  renderWidget = new RenderWidget(this);
-  renderWidget->setGeometry(units.ToPixels(270, 6, 630, 438));
-  windowSystem.AddControl(kRenderControl, renderWidget);
-  windowSystem.SetRenderWindow(&renderWidget->Preview());
+  renderControl = RenderControl::Create(this);
+  renderControl->Container()->setGeometry(units.ToPixels(270, 6, 630, 438));
+  windowSystem.AddControl(kRenderControl, renderControl->Container());
+  windowSystem.SetRenderWindow(&renderControl->Preview());
 
   auto* infoText = new QPlainTextEdit(this);
   infoText->setReadOnly(true);
@@ -111,7 +111,11 @@ MainWindow::~MainWindow() {
   app.window = nullptr;
 }
 
-void MainWindow::Start(const char* userFolder) { InitMainDialog(app, windowSystem, userFolder); }
+void MainWindow::Start(const char* userFolder) {
+  // Without a context within a few seconds the preview stays blank; the rest works all the same.
+  (void)renderControl->WaitForContext(5000);
+  InitMainDialog(app, windowSystem, userFolder);
+}
 
 void MainWindow::closeEvent(QCloseEvent* event) {
   windowSystem.PostQuit(0);

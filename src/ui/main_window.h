@@ -10,7 +10,7 @@
 class QLineEdit;
 class QListView;
 class QPushButton;
-class RenderWidget;
+class RenderControl;
 
 // The program's one window, "Tarnwick": file list and search at the top left, the game selector
 // and status below them, the log and the info panel, and the preview on the right. Nothing in it
@@ -21,12 +21,11 @@ class MainWindow final : public QWidget {
   ~MainWindow() override;
 
   // Binds the application to the window and finds the games under `userFolder` (null: the
-  // platform's per-user folder). Call once the window is shown, so that the preview has its
-  // graphics.
+  // platform's per-user folder). Call once the window is shown: the preview waits for its graphics.
   void Start(const char* userFolder);
 
   QtWindowSystem& Window() { return windowSystem; }
-  RenderWidget& Render() { return *renderWidget; }
+  RenderControl& Render() { return *renderControl; }
   QListView& FileView() { return *fileView; }
   QLineEdit& SearchEdit() { return *searchEdit; }
   QPushButton& ConvertButton() { return *convertButton; }
@@ -43,5 +42,5 @@ class MainWindow final : public QWidget {
   QListView* fileView = nullptr;
   QLineEdit* searchEdit = nullptr;
   QPushButton* convertButton = nullptr;
-  RenderWidget* renderWidget = nullptr;
+  RenderControl* renderControl = nullptr;  // owned by its container, a child of this window
 };

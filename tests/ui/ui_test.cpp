@@ -22,7 +22,7 @@
 #include "support/sample_game.h"
 #include "support/temp_dir.h"
 #include "ui/main_window.h"
-#include "ui/render_widget.h"
+#include "ui/render_control.h"
 
 namespace {
 
@@ -106,7 +106,7 @@ TEST_F(DesktopTest, SelectedActorIsDrawnWithItsTextureAndListedInThePanel) {
                "-- Textures for mesh 0\ntextures\\knight_d.png\n"
                "-- Textures for mesh 1\ntextures\\shield_d.dds\n");
 
-  const QImage frame = window.Render().grabFramebuffer().convertToFormat(QImage::Format_RGB32);
+  const QImage frame = window.Render().RenderFrame().convertToFormat(QImage::Format_RGB32);
   ASSERT_FALSE(frame.isNull());
   const QString artifacts = QStringLiteral(TARNWICK_ARTIFACT_DIR);
   QDir().mkpath(artifacts);
@@ -165,7 +165,7 @@ TEST_F(DesktopTest, ConvertWritesTheSameFileAsTheCommandLine) {
 }  // namespace
 
 int main(int argc, char** argv) {
-  RenderWidget::UseSurfaceFormat();
+  RenderControl::UseSurfaceFormat();
   QApplication application(argc, argv);
   ::testing::InitGoogleTest(&argc, argv);
   return RUN_ALL_TESTS();

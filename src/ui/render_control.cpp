@@ -1,8 +1,11 @@
-#include "ui/render_widget.h"
+#include "ui/render_control.h"
 
+#include <QCoreApplication>
+#include <QElapsedTimer>
 #include <QMouseEvent>
 #include <QSurfaceFormat>
 #include <QWheelEvent>
+#include <QWidget>
 
 namespace {
 
@@ -32,7 +35,7 @@ u32 ButtonMessage(Qt::MouseButton button, u32 offset) {
 
 }  // namespace
 
-void RenderWidget::UseSurfaceFormat() {
+void RenderControl::UseSurfaceFormat() {
   QSurfaceFormat format;
   format.setVersion(3, 3);
   format.setProfile(QSurfaceFormat::CoreProfile);
@@ -40,7 +43,13 @@ void RenderWidget::UseSurfaceFormat() {
   QSurfaceFormat::setDefaultFormat(format);
 }
 
-RenderWidget::RenderWidget(QWidget* parent) : QOpenGLWidget(parent), preview(*this, 640, 480) {
+RenderControl* RenderControl::Create(QWidget* parent) {
+  auto* control = new RenderControl();  // owned by its container from here on
+  control->container = QWidget::createWindowContainer(control, parent);
+  return control;
+}
+
+RenderControl::RenderControl() : QOpenGLWindow(QOpenGLWindow::NoPartialUpdate), preview(*this, 640, 480) {
   frameTimer.setTimerType(Qt::PreciseTimer);
   frameTimer.setInterval(kFrameIntervalMs);
   QObject::connect(&frameTimer, &QTimer::timeout, this, [this] {
@@ -53,10 +62,25 @@ RenderWidget::RenderWidget(QWidget* parent) : QOpenGLWidget(parent), preview(*th
   });
 }
 
-RenderWidget::~RenderWidget() { preview.Shutdown(); }
+RenderControl::~RenderControl() { preview.Shutdown(); }
 
-IRenderDevice* RenderWidget::OpenDevice(i32& width, i32& height) {
-  if (!context() || !context()->isValid()) return nullptr;
+bool RenderControl::WaitForContext(int timeoutMs) {
+  QElapsedTimer clock;
+  clock.start();
+  while (!isValid() && clock.elapsed() < timeoutMs) {
+    QCoreApplication::processEvents(QEventLoop::AllEvents, 10);
+  }
+  return isValid();
+}
+
+QImage RenderControl::RenderFrame() {
+  if (!MakeCurrent()) return {};
+  preview.Tick();
+  return grabFramebuffer();
+}
+
+IRenderDevice* RenderControl::OpenDevice(i32& width, i32& height) {
+  if (!isValid()) return nullptr;
   makeCurrent();
   device = std::make_unique<GlRenderDevice>();
   if (!device->Open()) {
@@ -69,20 +93,20 @@ IRenderDevice* RenderWidget::OpenDevice(i32& width, i32& height) {
   return device.get();
 }
 
-bool RenderWidget::MakeCurrent() {
-  if (!device || !context()) return false;
+bool RenderControl::MakeCurrent() {
+  if (!device || !isValid()) return false;
   makeCurrent();
   return true;
 }
 
-void RenderWidget::CloseDevice() {
+void RenderControl::CloseDevice() {
   if (!device) return;
-  if (context()) makeCurrent();
+  if (isValid()) makeCurrent();
   device->Close();
   device.reset();
 }
 
-void RenderWidget::RequestFrame() {
+void RenderControl::RequestFrame() {
   framePending = true;
   if (!frameTimer.isActive()) {
     // The first frame after a pause is drawn at once; the timer then spaces the next ones.
@@ -92,45 +116,27 @@ void RenderWidget::RequestFrame() {
   }
 }
 
-void RenderWidget::paintGL() {
-  preview.Tick();
-  ++frames;
-}
+void RenderControl::paintGL() { preview.Tick(); }
 
-void RenderWidget::SetCapture() {
-  capturing = true;
-  grabMouse();
-}
+void RenderControl::SetCapture() { setMouseGrabEnabled(true); }
 
-void RenderWidget::ReleaseCapture() {
-  if (!capturing) return;
-  capturing = false;
-  releaseMouse();
-}
+void RenderControl::ReleaseCapture() { setMouseGrabEnabled(false); }
 
-void RenderWidget::Forward(QMouseEvent* event, u32 message) {
+void RenderControl::Forward(QMouseEvent* event, u32 message) {
   event->accept();
-  if (message == 0) return;
+  // A disabled control takes no gestures, as while a worker runs.
+  if (message == 0 || !container || !container->isEnabled()) return;
   const qreal ratio = devicePixelRatioF();
   const QPointF at = event->position() * ratio;
   preview.HandleMouse(*this, message, ButtonFlags(event->buttons()), i32(at.x()), i32(at.y()));
 }
 
-void RenderWidget::mousePressEvent(QMouseEvent* event) { Forward(event, ButtonMessage(event->button(), 0)); }
+void RenderControl::mousePressEvent(QMouseEvent* event) { Forward(event, ButtonMessage(event->button(), 0)); }
 
-void RenderWidget::mouseReleaseEvent(QMouseEvent* event) { Forward(event, ButtonMessage(event->button(), 1)); }
+void RenderControl::mouseReleaseEvent(QMouseEvent* event) { Forward(event, ButtonMessage(event->button(), 1)); }
 
-void RenderWidget::mouseDoubleClickEvent(QMouseEvent* event) { Forward(event, ButtonMessage(event->button(), 2)); }
+void RenderControl::mouseDoubleClickEvent(QMouseEvent* event) { Forward(event, ButtonMessage(event->button(), 2)); }
 
-void RenderWidget::mouseMoveEvent(QMouseEvent* event) { Forward(event, kMouseMove); }
+void RenderControl::mouseMoveEvent(QMouseEvent* event) { Forward(event, kMouseMove); }
 
-void RenderWidget::wheelEvent(QWheelEvent* event) { event->accept(); }
-
-bool RenderWidget::event(QEvent* event) {
-  // The pointer was taken from us by someone else: a drag under way ends.
-  if (event->type() == QEvent::UngrabMouse && capturing) {
-    capturing = false;
-    preview.HandleMouse(*this, kCaptureChanged, 0, 0, 0, false);
-  }
-  return QOpenGLWidget::event(event);
-}
+void RenderControl::wheelEvent(QWheelEvent* event) { event->accept(); }

@@ -1,6 +1,7 @@
 #pragma once
 
-#include <QOpenGLWidget>
+#include <QImage>
+#include <QOpenGLWindow>
 #include <QTimer>
 #include <memory>
 
@@ -8,20 +9,27 @@
 #include "preview/gl_render_device.h"
 #include "preview/render_window.h"
 
-// The render control: the preview on an OpenGL widget. A frame is drawn when something changed,
-// at most 120 times a second; an idle preview costs nothing.
-class RenderWidget final : public QOpenGLWidget, private IRenderHost, private IMouseCapture {
+class QWidget;
+
+// The render control: the preview in a native window of its own inside the main window, so that
+// the other controls repaint without the graphics. A frame is drawn when something changed, at
+// most 120 times a second; an idle preview costs nothing.
+class RenderControl final : public QOpenGLWindow, private IRenderHost, private IMouseCapture {
  public:
-  explicit RenderWidget(QWidget* parent);
-  ~RenderWidget() override;
+  // Made inside a container widget of `parent`, which owns both.
+  static RenderControl* Create(QWidget* parent);
+  ~RenderControl() override;
 
   // Asks every window for the context the shaders need, OpenGL 3.3 core with a depth buffer.
   // Call before the application object exists.
   static void UseSurfaceFormat();
 
+  QWidget* Container() const { return container; }
   CRenderWindow& Preview() { return preview; }
-  // Frames drawn so far, for tests and measurements.
-  u64 FrameCount() const { return frames; }
+  // Serves events until the window has its graphics context, at most `timeoutMs`; false without.
+  bool WaitForContext(int timeoutMs);
+  // Draws a frame now and gives its pixels; null without graphics.
+  QImage RenderFrame();
 
  protected:
   void paintGL() override;
@@ -30,9 +38,10 @@ class RenderWidget final : public QOpenGLWidget, private IRenderHost, private IM
   void mouseReleaseEvent(QMouseEvent* event) override;
   void mouseMoveEvent(QMouseEvent* event) override;
   void wheelEvent(QWheelEvent* event) override;
-  bool event(QEvent* event) override;
 
  private:
+  RenderControl();
+
   IRenderDevice* OpenDevice(i32& width, i32& height) override;
   bool MakeCurrent() override;
   void CloseDevice() override;
@@ -42,10 +51,9 @@ class RenderWidget final : public QOpenGLWidget, private IRenderHost, private IM
 
   void Forward(QMouseEvent* event, u32 message);
 
+  QWidget* container = nullptr;
   std::unique_ptr<GlRenderDevice> device;
   CRenderWindow preview;
   QTimer frameTimer;
   bool framePending = false;
-  bool capturing = false;
-  u64 frames = 0;
 };
