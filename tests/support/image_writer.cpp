@@ -54,25 +54,36 @@ std::string BuildPng(u32 width, u32 height, const std::vector<u8>& rgba) {
   return "\x89PNG\r\n\x1a\n" + PngChunk("IHDR", header) + PngChunk("IDAT", packed) + PngChunk("IEND", "");
 }
 
-std::string BuildDds(u32 width, u32 height, const std::vector<u8>& rgba) {
+std::string BuildDdsWithFormat(u32 width, u32 height, const DdsPixelFormat& format, const std::string& data) {
   constexpr u32 kHeaderSize = 124, kPixelFormatSize = 32;
   constexpr u32 kCaps = 0x1, kHeight = 0x2, kWidth = 0x4, kPixelFormat = 0x1000;
-  constexpr u32 kAlphaPixels = 0x1, kRgb = 0x40;
   constexpr u32 kTexture = 0x1000;
   std::string out = "DDS ";
   for (u32 word : {kHeaderSize, kCaps | kHeight | kWidth | kPixelFormat, height, width, 0u, 0u, 0u}) PutLE(out, word);
   for (int reserved = 0; reserved < 11; ++reserved) PutLE(out, 0);
-  constexpr u32 kRedMask = 0x00FF0000, kGreenMask = 0x0000FF00, kBlueMask = 0x000000FF, kAlphaMask = 0xFF000000;
-  for (u32 word : {kPixelFormatSize, kRgb | kAlphaPixels, 0u, 32u, kRedMask, kGreenMask, kBlueMask, kAlphaMask}) {
-    PutLE(out, word);
-  }
+  for (u32 word : {kPixelFormatSize, format.flags, format.fourCC, format.bitCount}) PutLE(out, word);
+  for (u32 mask : format.masks) PutLE(out, mask);
   for (u32 word : {kTexture, 0u, 0u, 0u, 0u}) PutLE(out, word);
+  return out + data;
+}
+
+std::string BuildDdsDx10(u32 width, u32 height, u32 dxgiFormat, const std::string& data) {
+  constexpr u32 kFourCCFlag = 0x4, kTexture2D = 3;
+  std::string extended;
+  for (u32 word : {dxgiFormat, kTexture2D, 0u, 1u, 0u}) PutLE(extended, word);  // misc, array size, misc 2
+  return BuildDdsWithFormat(width, height, {kFourCCFlag, DdsFourCC("DX10"), 0, {}}, extended + data);
+}
+
+std::string BuildDds(u32 width, u32 height, const std::vector<u8>& rgba) {
+  constexpr u32 kAlphaPixels = 0x1, kRgb = 0x40;
   const std::vector<u8> pixels = Padded(width, height, rgba);
+  std::string data;
   for (size_t at = 0; at < pixels.size(); at += 4) {
-    out += {static_cast<char>(pixels[at + 2]), static_cast<char>(pixels[at + 1]), static_cast<char>(pixels[at]),
-            static_cast<char>(pixels[at + 3])};
+    data += {static_cast<char>(pixels[at + 2]), static_cast<char>(pixels[at + 1]), static_cast<char>(pixels[at]),
+             static_cast<char>(pixels[at + 3])};
   }
-  return out;
+  return BuildDdsWithFormat(width, height, {kRgb | kAlphaPixels, 0, 32, {0x00FF0000, 0x0000FF00, 0x000000FF, 0xFF000000}},
+                            data);
 }
 
 }  // namespace testsupport
