@@ -63,6 +63,10 @@ class ArcBallCamera {
   bool Dragging() const { return dragging; }
 
  private:
+  void BeginDrag(i32 x, i32 y);
+  void MoveDrag(i32 x, i32 y);
+  bool HandleMove(u32 buttons, i32 x, i32 y);
+
   Matrix4 rotationMatrix;
   Matrix4 translationMatrix;
   Matrix4 translationDelta;
