@@ -42,7 +42,9 @@ TEST(MergeSorted, MatchesAddingOneByOne) {
     for (const ListEntry& entry : entries) {
       texts.push_back(entry.text);
       // Old items keep their data, new ones bring theirs.
-      if (entry.data < 100) EXPECT_EQ(entry.data, std::intptr_t(entry.text[0])) << entry.text;
+      if (entry.data < 100) {
+        EXPECT_EQ(entry.data, std::intptr_t(entry.text[0])) << entry.text;
+      }
     }
     EXPECT_EQ(texts, c.after);
     EXPECT_EQ(selection, c.selectionAfter);
