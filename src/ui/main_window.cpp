@@ -33,7 +33,7 @@ QListView* MakeListView(QWidget* parent, ItemListModel* model) {
 
 MainWindow::MainWindow(AppState& state) : app(state) {
   setWindowTitle(QStringLiteral("Tarnwick"));
-  setWindowFlags(Qt::Window | Qt::MSWindowsFixedSizeDialogHint | Qt::WindowTitleHint |
+  setWindowFlags(Qt::Window | Qt::WindowTitleHint |
                  Qt::WindowSystemMenuHint | Qt::WindowMinimizeButtonHint | Qt::WindowCloseButtonHint);
   QFont dialogFont = font();
   dialogFont.setPointSize(8);

@@ -8,6 +8,8 @@
 #include <QElapsedTimer>
 #include <QFileDialog>
 #include <QImage>
+#include <QKeyEvent>
+#include <QLineEdit>
 #include <QListView>
 #include <QPushButton>
 #include <QThread>
@@ -60,6 +62,23 @@ void ExpectSameRecords(const testsupport::FbxReadRecord& a, const testsupport::F
   }
   ASSERT_EQ(a.children.size(), b.children.size()) << a.name;
   for (size_t i = 0; i < a.children.size(); ++i) ExpectSameRecords(a.children[i], b.children[i]);
+}
+
+// Answers the next modal dialog of type `Dialog` with `answer`, from inside its own event loop.
+template <class Dialog>
+void AnswerNextDialog(const std::function<void(Dialog&)>& answer) {
+  QTimer::singleShot(0, [answer] {
+    PumpUntil([] { return qobject_cast<Dialog*>(QApplication::activeModalWidget()) != nullptr; }, 10000);
+    if (auto* dialog = qobject_cast<Dialog*>(QApplication::activeModalWidget())) answer(*dialog);
+  });
+}
+
+void SaveAs(const std::string& path, bool* answered) {
+  AnswerNextDialog<QFileDialog>([path, answered](QFileDialog& dialog) {
+    dialog.selectFile(QString::fromStdString(path));
+    static_cast<QDialog&>(dialog).accept();  // the file dialog checks and takes the name
+    *answered = true;
+  });
 }
 
 bool IsClearGrey(QRgb pixel) {
@@ -138,14 +157,7 @@ TEST_F(DesktopTest, ConvertWritesTheSameFileAsTheCommandLine) {
   const std::string fromCli = dir.Join("cli_wolf.fbx");
   // The test answers the save dialog as a user would.
   bool answered = false;
-  QTimer::singleShot(0, [&] {
-    PumpUntil([&] { return qobject_cast<QFileDialog*>(QApplication::activeModalWidget()) != nullptr; }, 10000);
-    if (auto* dialog = qobject_cast<QFileDialog*>(QApplication::activeModalWidget())) {
-      dialog->selectFile(QString::fromStdString(fromWindow));
-      static_cast<QDialog*>(dialog)->accept();  // the file dialog checks and takes the name
-      answered = true;
-    }
-  });
+  SaveAs(fromWindow, &answered);
   window.ConvertButton().click();
   ASSERT_TRUE(answered);
 
@@ -160,6 +172,41 @@ TEST_F(DesktopTest, ConvertWritesTheSameFileAsTheCommandLine) {
   ASSERT_TRUE(testsupport::ReadFbxBinary(ReadAll(fromCli), b, error)) << error;
   ASSERT_EQ(a.records.size(), b.records.size());
   for (size_t i = 0; i < a.records.size(); ++i) ExpectSameRecords(a.records[i], b.records[i]);
+}
+
+TEST_F(DesktopTest, RigDialogListsTheFittingRigsSortedAndWantsASelection) {
+  Select("actors\\scarecrow.adr");
+  const std::string path = dir.Join("scarecrow.fbx");
+  QStringList shown;
+  bool stayedOpen = false, saved = false;
+  AnswerNextDialog<QDialog>([&](QDialog& dialog) {
+    auto* list = dialog.findChild<QListView*>(QStringLiteral("rigList"));
+    auto* ok = dialog.findChild<QPushButton*>();  // the first button is OK
+    if (!list || !ok) return dialog.reject();
+    for (int row = 0; row < list->model()->rowCount(); ++row) shown << list->model()->index(row, 0).data().toString();
+    ok->click();
+    stayedOpen = dialog.isVisible();
+    list->selectionModel()->setCurrentIndex(list->model()->index(0, 0), QItemSelectionModel::ClearAndSelect);
+    SaveAs(path, &saved);
+    ok->click();
+  });
+  window.ConvertButton().click();
+  EXPECT_EQ(shown, (QStringList{QStringLiteral("ChildIdle"), QStringLiteral("Idle")}));
+  EXPECT_TRUE(stayedOpen);
+  EXPECT_TRUE(saved);
+  EXPECT_FALSE(ReadAll(path).empty());
+}
+
+TEST_F(DesktopTest, ReturnInTheSearchEditSearchesOnReleaseWithoutTyping) {
+  QLineEdit& edit = window.SearchEdit();
+  edit.setText(QStringLiteral("wolf"));
+  QKeyEvent press(QEvent::KeyPress, Qt::Key_Return, Qt::NoModifier, QStringLiteral("\r"));
+  QCoreApplication::sendEvent(&edit, &press);
+  EXPECT_EQ(window.Window().GetCount(kFileList), 10);  // nothing yet on the press
+  QKeyEvent release(QEvent::KeyRelease, Qt::Key_Return, Qt::NoModifier, QStringLiteral("\r"));
+  QCoreApplication::sendEvent(&edit, &release);
+  ASSERT_TRUE(PumpUntil([&] { return !app.workerBusy && window.Window().GetCount(kFileList) == 1; }));
+  EXPECT_EQ(edit.text(), QStringLiteral("wolf"));
 }
 
 }  // namespace
