@@ -19,6 +19,7 @@ constexpr Target kTargets[] = {
     {"rig_network", &RigNetworkSeeds},
     {"catalogue", &CatalogueSeeds},
     {"actor", &ActorSeeds},
+    {"image", &ImageSeeds},
 };
 
 }  // namespace

@@ -13,3 +13,4 @@ Seeds PaletteSeeds();
 Seeds RigNetworkSeeds();
 Seeds CatalogueSeeds();
 Seeds ActorSeeds();
+Seeds ImageSeeds();

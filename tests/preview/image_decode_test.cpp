@@ -52,10 +52,11 @@ const std::string kRampIndices = Bytes({0x88, 0xC6, 0xFA, 0x88, 0xC6, 0xFA});
 // Indices 0, 1, 2, 3 along every row.
 const std::string kColourIndices = Bytes({0xE4, 0xE4, 0xE4, 0xE4});
 
-TEST(ImageDecode, PngAndDdsRoundTrip) {
+TEST(ImageDecode, PngTgaAndDdsRoundTrip) {
   const std::vector<u8> rgba = {255, 0, 0, 255, 0, 255, 0, 128, 0, 0, 255, 0,
                                 1, 2, 3, 4,     250, 251, 252, 253, 9, 99, 199, 255};
-  for (const std::string& file : {testsupport::BuildPng(3, 2, rgba), testsupport::BuildDds(3, 2, rgba)}) {
+  for (const std::string& file :
+       {testsupport::BuildPng(3, 2, rgba), testsupport::BuildTga(3, 2, rgba), testsupport::BuildDds(3, 2, rgba)}) {
     DecodedImage image;
     ASSERT_TRUE(Decode(file, image)) << file.substr(0, 4);
     EXPECT_EQ(image.width, 3u);
@@ -211,6 +212,7 @@ TEST(ImageDecode, BadFilesFailAndEmptyTheImage) {
       {"no layout flag", BuildDdsWithFormat(1, 1, {0, 0, 32, {0xFF, 0xFF00, 0xFF0000, 0}}, std::string(4, '\0'))},
       {"GIF", "GIF89a\x01\x00\x01\x00\x80\x00\x00\xFF\xFF\xFF\x00\x00\x00!\xF9\x04\x01\x00\x00\x00\x00,"s},
       {"truncated PNG", png.substr(0, png.size() / 2)},
+      {"a 16384x16384 TGA of 82 bytes", Patched(testsupport::BuildTga(4, 4, {}), 12, 0x40004000)},
       {"random bytes", Bytes({0x5E, 0xB7, 0x21, 0x93, 0x0C, 0xF4, 0x6A, 0xD1, 0x38, 0x8F, 0xE2, 0x47, 0x15, 0xAB})},
   };
   for (const auto& [name, file] : cases) {
@@ -220,6 +222,14 @@ TEST(ImageDecode, BadFilesFailAndEmptyTheImage) {
     EXPECT_EQ(image.pixels.Count(), 0u) << name;
     EXPECT_EQ(image.width, 0u) << name;
     EXPECT_EQ(image.height, 0u) << name;
+  }
+}
+
+TEST(ImageDecode, PngInflatingFarPastItsRowsFails) {
+  // A little left over is harmless; 64 MiB behind a 1x1 image (a 64 KiB file) is not let grow.
+  for (const auto& [trailing, decodes] : {std::pair<size_t, bool>{100, true}, {size_t(64) << 20, false}}) {
+    DecodedImage image;
+    EXPECT_EQ(Decode(testsupport::BuildPng(1, 1, {1, 2, 3, 4}, trailing), image), decodes) << trailing;
   }
 }
 

@@ -20,6 +20,15 @@ std::vector<u8> Padded(u32 width, u32 height, const std::vector<u8>& rgba) {
   return pixels;
 }
 
+std::string Bgra(const std::vector<u8>& rgba) {
+  std::string out;
+  for (size_t at = 0; at + 3 < rgba.size(); at += 4) {
+    out += {static_cast<char>(rgba[at + 2]), static_cast<char>(rgba[at + 1]), static_cast<char>(rgba[at]),
+            static_cast<char>(rgba[at + 3])};
+  }
+  return out;
+}
+
 // Length, type, data and the CRC over type and data.
 std::string PngChunk(const char* type, const std::string& data) {
   std::string out;
@@ -32,13 +41,14 @@ std::string PngChunk(const char* type, const std::string& data) {
 
 }  // namespace
 
-std::string BuildPng(u32 width, u32 height, const std::vector<u8>& rgba) {
+std::string BuildPng(u32 width, u32 height, const std::vector<u8>& rgba, size_t trailingZeros) {
   const std::vector<u8> pixels = Padded(width, height, rgba);
   std::string rows;
   for (u32 y = 0; y < height; ++y) {
     rows.push_back('\0');  // filter type None
     rows.append(reinterpret_cast<const char*>(pixels.data()) + size_t(y) * width * 4, size_t(width) * 4);
   }
+  rows.append(trailingZeros, '\0');
   uLongf packedSize = compressBound(rows.size());
   std::string packed(packedSize, '\0');
   if (compress(reinterpret_cast<Bytef*>(packed.data()), &packedSize, reinterpret_cast<const Bytef*>(rows.data()),
@@ -52,6 +62,13 @@ std::string BuildPng(u32 width, u32 height, const std::vector<u8>& rgba) {
   PutBE(header, height);
   header += std::string{8, 6, 0, 0, 0};  // 8 bits per channel, RGBA, deflate, no filter method, no interlace
   return "\x89PNG\r\n\x1a\n" + PngChunk("IHDR", header) + PngChunk("IDAT", packed) + PngChunk("IEND", "");
+}
+
+std::string BuildTga(u16 width, u16 height, const std::vector<u8>& rgba) {
+  constexpr char kTrueColour = 2, kBitsPerPixel = 32, kTopLeftWithAlpha = 0x28;
+  std::string out = {0, 0, kTrueColour, 0, 0, 0, 0, 0, 0, 0, 0, 0};  // no id, no colour map, origin 0, 0
+  out += {char(width), char(width >> 8), char(height), char(height >> 8), kBitsPerPixel, kTopLeftWithAlpha};
+  return out + Bgra(Padded(width, height, rgba));
 }
 
 std::string BuildDdsWithFormat(u32 width, u32 height, const DdsPixelFormat& format, const std::string& data) {
@@ -76,14 +93,8 @@ std::string BuildDdsDx10(u32 width, u32 height, u32 dxgiFormat, const std::strin
 
 std::string BuildDds(u32 width, u32 height, const std::vector<u8>& rgba) {
   constexpr u32 kAlphaPixels = 0x1, kRgb = 0x40;
-  const std::vector<u8> pixels = Padded(width, height, rgba);
-  std::string data;
-  for (size_t at = 0; at < pixels.size(); at += 4) {
-    data += {static_cast<char>(pixels[at + 2]), static_cast<char>(pixels[at + 1]), static_cast<char>(pixels[at]),
-             static_cast<char>(pixels[at + 3])};
-  }
   return BuildDdsWithFormat(width, height, {kRgb | kAlphaPixels, 0, 32, {0x00FF0000, 0x0000FF00, 0x000000FF, 0xFF000000}},
-                            data);
+                            Bgra(Padded(width, height, rgba)));
 }
 
 }  // namespace testsupport

@@ -10,8 +10,11 @@ namespace testsupport {
 // Minimal image files for texture entries of a game. `rgba` holds width * height pixels of four
 // bytes, row by row from the top; a short vector is padded with transparent black.
 
-// PNG, 8-bit RGBA, the whole image in one IDAT, every row unfiltered.
-std::string BuildPng(u32 width, u32 height, const std::vector<u8>& rgba);
+// PNG, 8-bit RGBA, the whole image in one IDAT, every row unfiltered. `trailingZeros` more bytes
+// follow the rows in the compressed data, as in a file made to inflate far beyond its image.
+std::string BuildPng(u32 width, u32 height, const std::vector<u8>& rgba, size_t trailingZeros = 0);
+// Uncompressed 32-bit TGA, rows from the top, each pixel stored as B, G, R, A.
+std::string BuildTga(u16 width, u16 height, const std::vector<u8>& rgba);
 // Uncompressed 32-bit DDS without mipmaps; each pixel is stored as B, G, R, A.
 std::string BuildDds(u32 width, u32 height, const std::vector<u8>& rgba);
 
