@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdio>
 #include <string>
 #include <vector>
 
@@ -28,8 +29,9 @@ std::vector<std::string> NamesInOneBucket(u32 count, u32& bucket) {
   std::vector<std::string> names;
   bucket = HashName("t0.png") & 0xFF;
   for (u32 i = 0; names.size() < count; ++i) {
-    std::string name = "t" + std::to_string(i) + ".png";
-    if ((HashName(name.c_str()) & 0xFF) == bucket) names.push_back(name);
+    char name[32];
+    std::snprintf(name, sizeof(name), "t%u.png", i);
+    if ((HashName(name) & 0xFF) == bucket) names.push_back(name);
   }
   return names;
 }
