@@ -19,6 +19,7 @@ bool ReadDigest(const CStringBufferA& makerFolder, const char* game, CStringBuff
 void Discover(AppState& app) {
   i32 first = -1;
   TStringBufferA<512> text;
+  TStringBufferA<512> shown;
   for (u32 row = 0; row < kGameCount; ++row) {
     GameSlot& game = app.games[row];
     // The newer maker's digest wins where both exist.
@@ -26,9 +27,10 @@ void Discover(AppState& app) {
       continue;
     }
     NormalizePath(text.Text(), game.folder);
-    Log(app, "Found game \"%s\" at %s", game.name, game.folder.Text());
+    DisplayPath(game.folder.Text(), shown);
+    Log(app, "Found game \"%s\" at %s", game.name, shown.Text());
     const i32 item = app.window->AddString(kGameCombo, game.name);
-    if (item == kListErrSpace) break;
+    if (item == kListErrSpace) return;  // a full selector ends discovery, and no game is opened
     app.window->SetItemData(kGameCombo, item, std::intptr_t(row));
     if (first < 0) first = i32(row);
   }
@@ -59,7 +61,7 @@ void InitMainDialog(AppState& app, IWindowSystem& window, const char* userFolder
 void SelectGame(AppState& app, u32 row) {
   if (row >= kGameCount) return;
   // A worker may still run: the tables are its until it ends, so nothing is touched.
-  if (app.workerBusy) return;
+  if (!Idle(app)) return;
   app.materials.Clear();
   app.packIndex.Clear();
   app.rigs.Clear();
@@ -96,6 +98,7 @@ void LoadGame(AppState& app, u32 row) {
 }
 
 void OnGameButton(AppState& app) {
+  if (!Idle(app)) return;
   const i32 item = app.window->GetCurSel(kGameCombo);
   if (item < 0) return;
   const std::intptr_t row = app.window->GetItemData(kGameCombo, item);

@@ -41,3 +41,11 @@ void NormalizePath(const char* text, CStringBufferA& out) {
   NormalizeInto(text, local);
   out.Assign(local.Text());
 }
+
+void DisplayPath(const char* path, CStringBufferA& out) {
+  if (!out.Assign(path)) return;
+  char* text = out.Data();
+  for (u32 i = 0; i < out.Length(); ++i) {
+    if (text[i] == '\\') text[i] = '/';
+  }
+}

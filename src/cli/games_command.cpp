@@ -1,5 +1,6 @@
 #include <cstdio>
 
+#include "assets/normalize_path.h"
 #include "cli/cli_session.h"
 
 // The games discovery found, one per line: name, a tab, the installation folder.
@@ -11,7 +12,9 @@ int RunGames(const CliOptions& options) {
     const std::intptr_t row = window.GetItemData(kGameCombo, item);
     if (row < 0 || row >= std::intptr_t(kGameCount)) continue;
     const GameSlot& game = session.App().games[row];
-    std::printf("%s\t%s\n", game.name, game.folder.Text());
+    TStringBufferA<512> shown;
+    DisplayPath(game.folder.Text(), shown);
+    std::printf("%s\t%s\n", game.name, shown.Text());
   }
   return 0;
 }

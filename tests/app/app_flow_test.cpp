@@ -97,16 +97,10 @@ TEST(AppFlow, DiscoversLoadsListsSearchesAndConverts) {
   App app;
   app.Start(installation);
 
-  const std::string gameFolder = installation.dir.Join("game");
-  std::string normalized = gameFolder;
-  for (char& c : normalized) c = c == '/' ? '\\' : c;
+  // Folders are shown in the platform's form, with the line break that the digest held.
   EXPECT_EQ(app.NewLog(), (std::vector<std::string>{
-                              "Found game \"Brackenfell Beta\" at " + [&] {
-                                std::string n = installation.dir.Join("nowhere") + "\n";
-                                for (char& c : n) c = c == '/' ? '\\' : c;
-                                return n;
-                              }(),
-                              "Found game \"Dunmarrow Test\" at " + normalized,
+                              "Found game \"Brackenfell Beta\" at " + installation.dir.Join("nowhere") + "\n",
+                              "Found game \"Dunmarrow Test\" at " + installation.dir.Join("game"),
                               "Initializing game data for Brackenfell Beta",
                               "Loaded assets for Brackenfell Beta",
                               "Failed to read materials_3.xml.",
