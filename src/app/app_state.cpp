@@ -10,7 +10,7 @@ AppState::AppState() {
 }
 
 AppState::~AppState() {
-  if (worker.joinable()) worker.join();
+  worker.Join();
   rigs.Release();
   packIndex.Clear();
   materials.Destroy();

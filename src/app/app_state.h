@@ -1,13 +1,13 @@
 #pragma once
 
 #include <atomic>
-#include <thread>
 
 #include "assets/pack_index.h"
 #include "core/spin_lock.h"
 #include "core/string_buffer.h"
 #include "gamedata/material_definitions.h"
 #include "gamedata/rig_table.h"
+#include "platform/thread.h"
 #include "platform/window_system.h"
 
 // One row of the known-game table: the display name, which is also the digest's base name, and the
@@ -44,8 +44,9 @@ struct AppState {
   RigTable rigs;
 
   // The one worker thread, if any, and whether it runs. A request while one runs is refused, and
-  // shut-down waits for it.
-  std::thread worker;
+  // shut-down waits for it. `createThread` starts threads; tests put one in that refuses.
+  CThread worker;
+  CThread::CreateFunction createThread = pthread_create;
   std::atomic<bool> workerBusy{false};
 };
 

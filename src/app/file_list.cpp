@@ -51,6 +51,7 @@ struct Extension {
 }  // namespace
 
 void SearchRequest(AppState& app) {
+  if (!Idle(app)) return;
   TStringBufferA<128> text;
   if (!app.window->GetText(kSearchEdit, text) || text.Length() == 0) {
     app.window->ResetContent(kFileList);
@@ -113,7 +114,7 @@ bool GetSelectedName(AppState& app, CStringBufferA& text) {
 }
 
 const PackEntry* SelectedEntry(AppState& app) {
-  if (!app.ready) return nullptr;
+  if (!app.ready || !Idle(app)) return nullptr;
   const i32 selection = app.window->GetCurSel(kFileList);
   if (selection < 0) return nullptr;
   const std::intptr_t data = app.window->GetItemData(kFileList, selection);

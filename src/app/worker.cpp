@@ -10,7 +10,8 @@ constexpr i32 kFrameControls[] = {kFileList,      kRenderControl, kSearchEdit, k
 constexpr u32 kMarqueeStepMilliseconds = 30;
 
 struct Task {
-  WorkerKind kind;
+  AppState* app = nullptr;
+  WorkerKind kind = WorkerKind::Load;
   u32 row = 0;
   TStringBufferA<128> filter;
 };
@@ -30,29 +31,39 @@ void Frame(AppState& app, const Task& task) {
   window.Show(kStatusText, false);
 }
 
+void RunTask(void* context) {
+  const TOwned<Task> task(static_cast<Task*>(context));
+  Frame(*task->app, *task);
+  task->app->workerBusy = false;
+}
+
 }  // namespace
 
 bool StartWorker(AppState& app, WorkerKind kind, u32 row, const char* filter) {
   if (!app.window || app.workerBusy.exchange(true)) return false;
-  if (app.worker.joinable()) app.worker.join();  // the last one has ended; its thread is collected
+  app.worker.Join();  // the last one has ended; its thread is collected
   TOwned<Task> task(MemNew<Task>());
   if (!task || (filter && *filter && task->filter.Format("%s", filter) <= 0)) {
     app.workerBusy = false;
     return false;
   }
+  task->app = &app;
   task->kind = kind;
   task->row = row;
   app.window->SetMarquee(kProgressBar, true, kMarqueeStepMilliseconds);
   app.window->SetText(kStatusText, kind == WorkerKind::Load ? "Initializing game data" : "Listing files...");
-  app.worker = std::thread([&app, owned = task.release()] {
-    TOwned<Task> mine(owned);
-    Frame(app, *mine);
+  // A refused thread leaves the controls as they are: nothing disabled them yet.
+  if (!app.worker.Start(RunTask, task.get(), app.createThread)) {
     app.workerBusy = false;
-  });
+    return false;
+  }
+  (void)task.release();  // the worker frees it
   return true;
 }
 
 void WaitForWorker(AppState& app) {
   while (app.workerBusy) app.window->Pump(10);
-  if (app.worker.joinable()) app.worker.join();
+  app.worker.Join();
 }
+
+bool Idle(const AppState& app) { return app.window && !app.workerBusy; }

@@ -12,3 +12,8 @@ bool StartWorker(AppState& app, WorkerKind kind, u32 row, const char* filter);
 
 // Main thread: serves the worker's window calls until it has ended.
 void WaitForWorker(AppState& app);
+
+// Main thread: whether a request of the user may act. Not before the window is bound (discovery
+// found no per-user folder), and not while a worker runs, including the moment in which it is
+// enabling the controls again: a request is carried out whole or refused with nothing changed.
+bool Idle(const AppState& app);
