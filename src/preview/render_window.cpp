@@ -53,6 +53,8 @@ bool CRenderWindow::Init(PackIndex* packs) {
   textures.cache.ReleaseAll();
   textures.packIndex = packIndex;
   textures.device = device;
+  // The first frame is the clear colour, before any actor is shown.
+  host.RequestFrame();
   return true;
 }
 
@@ -89,10 +91,16 @@ void CRenderWindow::HandleMouse(IMouseCapture& capture, u32 message, u32 buttons
 }
 
 bool CRenderWindow::LoadActor(const char* name, const MaterialDefinitionSet* materials) {
-  // The old model goes before the new one is known to be good.
-  if (device && host.MakeCurrent()) ReleaseDrawList();
   host.RequestFrame();
-  if (!materials || !packIndex || !device || !name) return false;
+  if (!device) return false;
+  if (!host.MakeCurrent()) {
+    // Without the context nothing can be freed or made; its objects went with it.
+    (void)drawList.SetSize(0);
+    return false;
+  }
+  // The old model goes before the new one is known to be good.
+  ReleaseDrawList();
+  if (!materials || !packIndex || !name) return false;
   if (!packIndex->FetchByName(name, actorBytes)) return false;
   ActorFiles files;
   if (ReadActorFiles(files, actorBytes, *packIndex, modelBytes, paletteBytes) != ActorFilesFailure::kNone) {

@@ -2,6 +2,7 @@
 
 #include <QCoreApplication>
 #include <QElapsedTimer>
+#include <QGuiApplication>
 #include <QMouseEvent>
 #include <QSurfaceFormat>
 #include <QWheelEvent>
@@ -46,6 +47,7 @@ void RenderControl::UseSurfaceFormat() {
 RenderControl* RenderControl::Create(QWidget* parent) {
   auto* control = new RenderControl();  // owned by its container from here on
   control->container = QWidget::createWindowContainer(control, parent);
+  control->container->installEventFilter(control);
   return control;
 }
 
@@ -59,6 +61,15 @@ RenderControl::RenderControl() : QOpenGLWindow(QOpenGLWindow::NoPartialUpdate), 
     }
     framePending = false;
     update();
+  });
+  // The toolkit tells a native child nothing when the pointer goes elsewhere; these say it instead:
+  // the program no longer active, or another of its windows (a dialog) taking the focus.
+  QObject::connect(qGuiApp, &QGuiApplication::applicationStateChanged, this, [this](Qt::ApplicationState state) {
+    if (state != Qt::ApplicationActive) LoseCapture();
+  });
+  QObject::connect(qGuiApp, &QGuiApplication::focusWindowChanged, this, [this](QWindow* focus) {
+    const QWidget* top = container ? container->window() : nullptr;
+    if (focus && focus != this && (!top || focus != top->windowHandle())) LoseCapture();
   });
 }
 
@@ -118,9 +129,30 @@ void RenderControl::RequestFrame() {
 
 void RenderControl::paintGL() { preview.Tick(); }
 
-void RenderControl::SetCapture() { setMouseGrabEnabled(true); }
+void RenderControl::SetCapture() {
+  captured = true;
+  setMouseGrabEnabled(true);
+}
 
-void RenderControl::ReleaseCapture() { setMouseGrabEnabled(false); }
+void RenderControl::ReleaseCapture() {
+  captured = false;
+  setMouseGrabEnabled(false);
+}
+
+void RenderControl::LoseCapture() {
+  if (captured) preview.HandleMouse(*this, kCaptureChanged, 0, 0, 0, false);
+}
+
+bool RenderControl::event(QEvent* event) {
+  if (event->type() == QEvent::UngrabMouse) LoseCapture();
+  return QOpenGLWindow::event(event);
+}
+
+bool RenderControl::eventFilter(QObject* watched, QEvent* event) {
+  // A worker disables the control while a drag may be under way; the drag must not outlive it.
+  if (watched == container && event->type() == QEvent::EnabledChange && !container->isEnabled()) LoseCapture();
+  return QOpenGLWindow::eventFilter(watched, event);
+}
 
 void RenderControl::Forward(QMouseEvent* event, u32 message) {
   event->accept();

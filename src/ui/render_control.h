@@ -38,6 +38,8 @@ class RenderControl final : public QOpenGLWindow, private IRenderHost, private I
   void mouseReleaseEvent(QMouseEvent* event) override;
   void mouseMoveEvent(QMouseEvent* event) override;
   void wheelEvent(QWheelEvent* event) override;
+  bool event(QEvent* event) override;
+  bool eventFilter(QObject* watched, QEvent* event) override;
 
  private:
   RenderControl();
@@ -50,10 +52,13 @@ class RenderControl final : public QOpenGLWindow, private IRenderHost, private I
   void ReleaseCapture() override;
 
   void Forward(QMouseEvent* event, u32 message);
+  // The pointer was taken away: a drag under way ends and the grab goes.
+  void LoseCapture();
 
   QWidget* container = nullptr;
   std::unique_ptr<GlRenderDevice> device;
   CRenderWindow preview;
   QTimer frameTimer;
   bool framePending = false;
+  bool captured = false;
 };

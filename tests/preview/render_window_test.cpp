@@ -74,12 +74,14 @@ class FakeHost final : public IRenderHost {
     height = 200;
     return available ? &device : nullptr;
   }
-  bool MakeCurrent() override { return true; }
+  bool MakeCurrent() override { return current; }
   void CloseDevice() override { ++closed; }
-  void RequestFrame() override {}
+  void RequestFrame() override { ++framesRequested; }
 
   bool available = true;
+  bool current = true;  // false: the context can't be made current
   i32 closed = 0;
+  i32 framesRequested = 0;
   FakeDevice device;
 };
 
@@ -192,6 +194,20 @@ TEST_F(RenderWindowTest, FailedLoadsEmptyThePreviewAndKeepTheTextUpToTheirFailur
   EXPECT_EQ(preview.DrawCount(), 0u);
   EXPECT_EQ(host.device.liveMeshes, 0);
   EXPECT_FALSE(preview.LoadActor("actors\\thing.adr", nullptr));
+}
+
+TEST_F(RenderWindowTest, AsksForAFirstFrameAtInitAndStopsALoadWithoutItsContext) {
+  testsupport::SkinnedActorDesc desc{.meshCount = 2, .gridSize = 2, .boneCount = 1};
+  Open(Game(testsupport::BuildSkinnedActor(desc)));
+  // Without it the control shows whatever was there until the first actor, not the clear colour.
+  EXPECT_EQ(host.framesRequested, 1);
+  ASSERT_TRUE(preview.LoadActor("actors\\thing.adr", &materials));
+
+  host.current = false;
+  const size_t made = host.device.vertexCounts.size();
+  EXPECT_FALSE(preview.LoadActor("actors\\thing.adr", &materials));
+  EXPECT_EQ(preview.DrawCount(), 0u);
+  EXPECT_EQ(host.device.vertexCounts.size(), made) << "no mesh is made without the context";
 }
 
 TEST(RenderWindowHollow, WithoutGraphicsEveryCallDoesNothing) {

@@ -10,6 +10,8 @@
 #include <QImage>
 #include <QKeyEvent>
 #include <QLineEdit>
+#include <QMouseEvent>
+#include <QScreen>
 #include <QListView>
 #include <QPushButton>
 #include <QThread>
@@ -114,6 +116,42 @@ class DesktopTest : public ::testing::Test {
   AppState app;
   MainWindow window{app};
 };
+
+TEST_F(DesktopTest, PreviewIsClearGreyFromStartUpBeforeAnySelection) {
+  // What the screen shows, not a frame drawn on request: the control has to draw one by itself.
+  QWidget* preview = window.Render().Container();
+  QImage shown;
+  const bool grey = PumpUntil(
+      [&] {
+        shown = preview->screen()->grabWindow(preview->winId()).toImage();
+        return !shown.isNull() && IsClearGrey(shown.pixel(shown.width() / 2, shown.height() / 2));
+      },
+      5000);
+  const QString artifacts = QStringLiteral(TARNWICK_ARTIFACT_DIR);
+  QDir().mkpath(artifacts);
+  EXPECT_TRUE(window.screen()->grabWindow(window.winId()).save(artifacts + QStringLiteral("/start_up.png")));
+  EXPECT_TRUE(grey) << "the preview shows rgb " << qRed(shown.pixel(0, 0)) << " " << qGreen(shown.pixel(0, 0)) << " "
+                    << qBlue(shown.pixel(0, 0));
+}
+
+TEST_F(DesktopTest, ADragEndsWhenThePreviewIsDisabledOrLosesThePointer) {
+  RenderControl& control = window.Render();
+  const auto press = [&] {
+    QMouseEvent event(QEvent::MouseButtonPress, QPointF(200, 200), QPointF(200, 200), Qt::LeftButton, Qt::LeftButton,
+                      Qt::NoModifier);
+    QCoreApplication::sendEvent(&control, &event);
+    return control.Preview().Camera().Dragging();
+  };
+  ASSERT_TRUE(press());
+  window.Window().Enable(kRenderControl, false);  // as a worker does when it starts
+  EXPECT_FALSE(control.Preview().Camera().Dragging());
+  window.Window().Enable(kRenderControl, true);
+
+  ASSERT_TRUE(press());
+  QEvent ungrab(QEvent::UngrabMouse);
+  QCoreApplication::sendEvent(&control, &ungrab);
+  EXPECT_FALSE(control.Preview().Camera().Dragging());
+}
 
 TEST_F(DesktopTest, SelectedActorIsDrawnWithItsTextureAndListedInThePanel) {
   EXPECT_EQ(window.Window().GetCount(kFileList), 10);
