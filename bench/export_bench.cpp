@@ -4,12 +4,10 @@
 #include <filesystem>
 #include <string>
 
-#include "fbx/convert_mesh.h"
-#include "fbx/convert_state.h"
+#include "app/convert_actor.h"
 #include "fbx/sdk/fbx_binary_writer.h"
 #include "fbx/sdk/fbx_document.h"
 #include "fbx/sdk/fbx_scene_writer.h"
-#include "fbx/setup_rig.h"
 #include "mesh/export_mesh.h"
 #include "platform/output_file.h"
 #include "support/skinned_actor.h"
@@ -62,16 +60,14 @@ struct FixedPath : ISaveDialog {
 
 FbxCreationTime FixedTime() { return {2026, 11, 23, 12, 0, 0, 0}; }
 
-// The scene of the whole actor, as Convert builds it before writing.
+// The scene of the whole actor, as a conversion builds it before writing.
 bool BuildScene(ConvertState& state) {
   Actor& a = TheActor();
   NoRigDialog dialog;
-  if (!a.ok || !Setup(state, "hero.adr") || !SetupRig(state, a.actor, a.model, a.rigs, dialog)) return false;
-  state.fbxManager->SetCreationTimeSource(FixedTime);
-  for (u32 m = 0; m < a.model.meshes.Count(); ++m) {
-    if (!ConvertMesh(state, a.materials.materials[m], a.model.meshes[m], a.model, m, a.definitions)) return false;
-  }
-  return true;
+  PackIndex noPacks;
+  ConvertOutcome outcome;
+  return a.ok && BuildActorScene(state, GameTables{noPacks, a.definitions, a.rigs}, "hero.adr", a.actor, a.model,
+                                 a.materials, dialog, outcome, {.creationTime = FixedTime});
 }
 
 // Fetching aside, what the Convert command does: set-up, rig, every mesh, the file.
@@ -79,11 +75,14 @@ void BM_ExportWholeActor(benchmark::State& state) {
   testsupport::TempDir dir;
   FixedPath save;
   save.path = dir.Join("hero.fbx");
+  NoRigDialog dialog;
+  PackIndex noPacks;
+  Actor& a = TheActor();
   for (auto _ : state) {
-    ConvertState convert;
-    if (!BuildScene(convert) || !WriteScene(convert.fbxManager.get(), convert.fbxScene, save)) {
-      state.SkipWithError("export failed");
-    }
+    ConvertOutcome outcome;
+    ExportActor(GameTables{noPacks, a.definitions, a.rigs}, "hero.adr", a.actor, a.model, a.materials, {save, dialog},
+                outcome, {.creationTime = FixedTime});
+    if (!outcome.Written()) state.SkipWithError("export failed");
   }
   state.counters["file_MB"] = double(std::filesystem::file_size(save.path)) / 1e6;
 }

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "app/app_state.h"
-#include "fbx/convert_dialogs.h"
+#include "app/convert_actor.h"
 
 // Writes the actor selected in the file list as an FBX file: reads its definition, model and
 // palette afresh, builds the scene with its rig, every mesh, and asks `save` for the path. Each

@@ -122,10 +122,11 @@ const PackEntry* SelectedEntry(AppState& app) {
 }
 
 void OnFileSelected(AppState& app) {
-  if (!SelectedEntry(app)) return;
+  const PackEntry* entry = SelectedEntry(app);
+  if (!entry) return;
   TStringBufferA<260> name;
   // Without a preview there is nothing to show.
   if (!GetSelectedName(app, name) || !app.renderWindow) return;
-  (void)app.renderWindow->LoadActor(name.Text(), &app.materials);
+  (void)app.renderWindow->LoadActor(entry, name.Text(), &app.materials);
   app.window->SetText(kInfoText, app.renderWindow->GetInfoText());
 }

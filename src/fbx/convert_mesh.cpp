@@ -92,13 +92,13 @@ class ClusterSet {
   FbxAMatrix meshTransform;  // identity: the mesh node sits at the root's origin
 };
 
-bool AddSkin(ConvertState& state, FbxMesh& fbxMesh, const ExportMesh& exportMesh, const ModelFile& model) {
+bool AddSkin(ConvertState& state, FbxMesh& fbxMesh, const ExportMesh& exportMesh, u32 modelBoneCount) {
   const RigSkeleton& rig = *state.rig;
   FbxSkin* skin = FbxSkin::Create(state.fbxScene, "");
   if (!skin) return false;
   ClusterSet clusters(state, *skin);
   if (!clusters.Init()) return false;
-  const u32 modelBones = model.bones.Count() < state.modelToRig.Count() ? model.bones.Count() : state.modelToRig.Count();
+  const u32 modelBones = modelBoneCount < state.modelToRig.Count() ? modelBoneCount : state.modelToRig.Count();
   for (u32 v = 0; v < exportMesh.vertexCount; ++v) {
     for (const ExportInfluence& influence : exportMesh.vertices[v].influences) {
       // A weight of 0 is not written; weights are passed as they are, whatever their sum.
@@ -156,14 +156,7 @@ bool AddMaterial(ConvertState& state, FbxMesh& fbxMesh, FbxNode& node, const cha
 
 }  // namespace
 
-bool ConvertMesh(ConvertState& state, const ModelMaterial& material, const ModelMesh& mesh, const ModelFile& model,
-                 u32 meshIndex, const MaterialDefinitionSet& definitions) {
-  const InputLayout* layout = definitions.ChooseInputLayout(material.definitionHash);
-  const MaterialDefinition* definition = definitions.FindDefinition(material.definitionHash);
-  if (!layout || !definition) return false;
-  ExportMesh exportMesh;
-  if (!Build(exportMesh, model, mesh, layout, definition->flags)) return false;
-
+bool ConvertMesh(ConvertState& state, const ExportMesh& exportMesh, u32 modelBoneCount, u32 meshIndex) {
   TStringBufferA<64> name;
   (void)name.Format("Mesh_%u", meshIndex);
   FbxMesh* fbxMesh = FbxMesh::Create(state.fbxScene, name.Text());
@@ -173,7 +166,7 @@ bool ConvertMesh(ConvertState& state, const ModelMaterial& material, const Model
   if (!node || !node->SetNodeAttribute(fbxMesh) || !state.rootNode->AddChild(node)) return false;
   if (!AddUvSets(*fbxMesh, exportMesh, name)) return false;
   if ((exportMesh.flags & kHasInfluences) && state.rig && state.boneNodes.Count() == state.rig->bones.Count() &&
-      !AddSkin(state, *fbxMesh, exportMesh, model)) {
+      !AddSkin(state, *fbxMesh, exportMesh, modelBoneCount)) {
     return false;
   }
   return AddTriangles(*fbxMesh, exportMesh) && AddMaterial(state, *fbxMesh, *node, name.Text());

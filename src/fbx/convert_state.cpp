@@ -9,7 +9,6 @@ namespace {
 
 constexpr const char* kSceneName = "Tarnwick";
 constexpr f64 kCentimetresPerMetre = 100.0;
-constexpr u32 kSavePathSize = 1024;
 
 // Writer options, in the order they are set.
 constexpr struct {
@@ -64,9 +63,7 @@ bool FileStem(const char* text, CStringBufferA& out) {
   return true;
 }
 
-bool WriteScene(FbxManager* manager, FbxScene* scene, ISaveDialog& dialog) {
-  TStringBufferA<kSavePathSize> path;
-  if (!dialog.AskSavePath(path)) return true;
+bool WriteScene(FbxManager* manager, FbxScene* scene, const char* path) {
   FbxExporter* exporter = FbxExporter::Create(manager, "");
   if (!exporter) return false;
   const int format = manager->GetIOPluginRegistry()->GetNativeWriterFormat();
@@ -74,7 +71,7 @@ bool WriteScene(FbxManager* manager, FbxScene* scene, ISaveDialog& dialog) {
   if (settings) {
     for (const auto& option : kExportOptions) settings->SetBoolProp(option.name, option.value);
   }
-  if (!exporter->Initialize(path.Text(), format, settings)) {
+  if (!exporter->Initialize(path, format, settings)) {
     std::printf("Call to FbxExporter::Initialize() failed.\n");
     std::printf("Error returned: %s\n\n", exporter->GetStatus().GetErrorString());
     std::fflush(stdout);

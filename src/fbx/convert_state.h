@@ -4,7 +4,6 @@
 
 #include "core/array.h"
 #include "core/string_buffer.h"
-#include "fbx/convert_dialogs.h"
 #include "fbx/sdk/fbx_scene.h"
 #include "gamedata/rig_network.h"
 
@@ -37,6 +36,6 @@ constexpr u32 kNoRigBone = 0xFFFFFFFF;
 // False, with `out` empty, when memory is refused.
 bool FileStem(const char* text, CStringBufferA& out);
 
-// Asks for a path and writes `scene` there. A cancel writes nothing and gives true. A path that
-// can't be written prints two lines on standard output and gives false, as does a failed export.
-bool WriteScene(FbxManager* manager, FbxScene* scene, ISaveDialog& dialog);
+// Writes `scene` to `path`. A path that can't be written prints two lines on standard output and
+// gives false, as does a failed export.
+[[nodiscard]] bool WriteScene(FbxManager* manager, FbxScene* scene, const char* path);

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "fbx/convert_dialogs.h"
+#include "app/convert_questions.h"
 
 class QWidget;
 

@@ -10,8 +10,8 @@
 
 #include "assets/pack_index.h"
 #include "core/hash.h"
+#include "app/rig_choice.h"
 #include "fbx/export_fixture.h"
-#include "gamedata/byte_reader.h"
 #include "support/fbx_reader.h"
 #include "support/temp_dir.h"
 
@@ -38,14 +38,6 @@ const ActorCase kActors[] = {
     {"actors\\crate.adr", nullptr, nullptr, nullptr, false},  // the later pack's version
 };
 
-// One actor's files, read the way the Convert command reads them.
-struct ActorFiles {
-  ActorDefinition actor;
-  ModelFile model;
-  ModelMaterials modelMaterials, paletteMaterials;
-  const ModelMaterials* materials = &modelMaterials;
-};
-
 class SampleGame : public testing::Test {
  protected:
   void SetUp() override {
@@ -60,17 +52,11 @@ class SampleGame : public testing::Test {
   }
   void TearDown() override { definitions.Destroy(); }
 
+  // One actor's files, read the way a conversion reads them.
   void ReadActor(const char* name, ActorFiles& out) {
     CByteBuffer bytes;
     ASSERT_TRUE(index.FetchByName(name, bytes));
-    ASSERT_TRUE(Read(out.actor, bytes));
-    ASSERT_TRUE(index.FetchByName(out.actor.fileName.Text(), bytes)) << out.actor.fileName.Text();
-    ASSERT_TRUE(Read(out.model, bytes, out.modelMaterials));
-    if (!out.actor.paletteName.Text()[0]) return;
-    ASSERT_TRUE(index.FetchByName(out.actor.paletteName.Text(), bytes));
-    ByteReader reader(bytes);
-    ASSERT_TRUE(ReadMaterials(out.paletteMaterials, reader));
-    out.materials = &out.paletteMaterials;
+    ASSERT_EQ(ReadActorFiles(out, bytes, index, modelBytes, paletteBytes), ActorFilesFailure::kNone);
   }
 
   // The rig networks as loading the game reads them: under their pack name without ".mrn".
@@ -99,6 +85,7 @@ class SampleGame : public testing::Test {
   testsupport::SampleGamePaths paths;
   PackIndex index;
   MaterialDefinitionSet definitions;
+  CByteBuffer modelBytes, paletteBytes;
 };
 
 // The diffuse texture of a material, as the preview looks for it, or "".
@@ -138,8 +125,8 @@ TEST_F(SampleGame, TheDigestLeadsToPacksWhoseEveryFileReads) {
     ActorFiles files;
     ASSERT_NO_FATAL_FAILURE(ReadActor(row.adr, files));
     EXPECT_STREQ(files.actor.paletteName.Text(), row.palette ? row.palette : "");
-    ASSERT_EQ(files.materials->materials.Count(), files.model.meshes.Count()) << "a material for every mesh";
-    for (const ModelMaterial& material : files.materials->materials) {
+    ASSERT_EQ(files.Applied().materials.Count(), files.model.meshes.Count()) << "a material for every mesh";
+    for (const ModelMaterial& material : files.Applied().materials) {
       const u32 definition = material.definitionHash;
       EXPECT_TRUE(definitions.FindDefinition(definition) && definitions.ChooseInputLayout(definition));
       const std::string texture = DiffuseTexture(material);
@@ -161,23 +148,20 @@ TEST_F(SampleGame, EveryActorConvertsWithTheRigItIsMeantToFind) {
     exporttest::RigDialog rigDialog;
     rigDialog.pick = "ChildIdle";
     ConvertState state;
-    ASSERT_TRUE(::Setup(state, row.adr));
-    ASSERT_TRUE(SetupRig(state, files.actor, files.model, rigs, rigDialog));
+    ConvertOutcome outcome;
+    PackIndex noPacks;
+    ASSERT_TRUE(BuildActorScene(state, GameTables{noPacks, definitions, rigs}, row.adr, files.actor, files.model,
+                                files.Applied(), rigDialog, outcome));
     EXPECT_EQ(state.rig, RigOf(rigs, row));
     EXPECT_EQ(rigDialog.shown.size(), row.asks ? 2u : 0u);
     if (state.rig) {
       EXPECT_EQ(std::count(state.modelToRig.begin(), state.modelToRig.end(), kNoRigBone), 0) << "every bone in the rig";
     }
-    for (u32 m = 0; m < files.model.meshes.Count(); ++m) {
-      const ModelMaterial& material = files.materials->materials[m];
-      ASSERT_TRUE(ConvertMesh(state, material, files.model.meshes[m], files.model, m, definitions));
-    }
-    exporttest::SaveDialog save;
-    save.path = dir.Join("actor.fbx");
-    ASSERT_TRUE(WriteScene(state.fbxManager.get(), state.fbxScene, save));
+    const std::string path = dir.Join("actor.fbx");
+    ASSERT_TRUE(WriteScene(state.fbxManager.get(), state.fbxScene, path.c_str()));
     testsupport::FbxReadFile fbx;
     std::string error;
-    EXPECT_TRUE(testsupport::ReadFbxBinary(exporttest::ReadFile(save.path), fbx, error)) << error;
+    EXPECT_TRUE(testsupport::ReadFbxBinary(exporttest::ReadFile(path), fbx, error)) << error;
   }
 }
 

@@ -310,23 +310,33 @@ TEST(ExportFailures, EndWithTheirResultAndNoFile) {
   exporttest::RigDialog rigs;
   exporttest::SaveDialog save;
 
+  ConvertOutcome outcome;
   testing::internal::CaptureStdout();
-  EXPECT_TRUE(exporttest::Convert(loaded, save, rigs)) << "a cancel is no error";
+  EXPECT_TRUE(exporttest::Convert(loaded, save, rigs, &outcome)) << "a cancel is no error";
   EXPECT_EQ(testing::internal::GetCapturedStdout(), "");
   EXPECT_EQ(save.asked, 1);
+  EXPECT_EQ(outcome.result, ConvertResult::kCancelled);
+  EXPECT_STREQ(outcome.logLine.Text(), "");
 
+  // A path that can't be written: the exporter's two lines, and one for the log.
   save.path = dir.Join("missing/hero.fbx");
   testing::internal::CaptureStdout();
-  EXPECT_FALSE(exporttest::Convert(loaded, save, rigs));
+  EXPECT_FALSE(exporttest::Convert(loaded, save, rigs, &outcome));
   EXPECT_EQ(testing::internal::GetCapturedStdout(),
             "Call to FbxExporter::Initialize() failed.\n"
             "Error returned: Cannot create file \"" + save.path + "\": No such file or directory\n\n");
+  EXPECT_EQ(outcome.result, ConvertResult::kWriteFailed);
+  EXPECT_EQ(outcome.logLine.Text(), "Failed to write \"" + save.path + "\".");
   EXPECT_TRUE(std::filesystem::is_empty(dir.Path())) << "nothing written, not even a temporary";
 
-  // A mesh whose material names no known definition.
+  // A mesh whose material names no known definition: the path is never asked.
   save.path = dir.Join("hero.fbx");
+  save.asked = 0;
   loaded.materials.materials[0].definitionHash ^= 1;
-  EXPECT_FALSE(exporttest::Convert(loaded, save, rigs));
+  EXPECT_FALSE(exporttest::Convert(loaded, save, rigs, &outcome));
+  EXPECT_EQ(outcome.result, ConvertResult::kMeshFailed);
+  EXPECT_STREQ(outcome.logLine.Text(), "Failed to convert mesh.\n");
+  EXPECT_EQ(save.asked, 0);
   EXPECT_TRUE(std::filesystem::is_empty(dir.Path()));
 }
 

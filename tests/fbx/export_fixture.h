@@ -8,9 +8,7 @@
 #include <string>
 #include <vector>
 
-#include "fbx/convert_mesh.h"
-#include "fbx/convert_state.h"
-#include "fbx/setup_rig.h"
+#include "app/convert_actor.h"
 #include "support/skinned_actor.h"
 
 // A skinned actor read from the bytes the test writers make, and a conversion of it run the way
@@ -85,19 +83,16 @@ struct RigDialog : IRigDialog {
 
 inline FbxCreationTime FixedTime() { return {2026, 11, 23, 12, 34, 56, 789}; }
 
-// Setup, the rig, every mesh, then the write; false at the first step that fails.
-inline bool Convert(LoadedActor& loaded, ISaveDialog& save, IRigDialog& rigDialog) {
-  ConvertState state;
-  if (!Setup(state, "actors\\hero.adr")) return false;
-  state.fbxManager->SetCreationTimeSource(FixedTime);
-  if (!SetupRig(state, loaded.actor, loaded.model, loaded.rigs, rigDialog)) return false;
-  for (u32 m = 0; m < loaded.model.meshes.Count(); ++m) {
-    if (m >= loaded.materials.materials.Count() ||
-        !ConvertMesh(state, loaded.materials.materials[m], loaded.model.meshes[m], loaded.model, m, loaded.definitions)) {
-      return false;
-    }
-  }
-  return WriteScene(state.fbxManager.get(), state.fbxScene, save);
+// The actor converted as the Convert command converts one; false for a failure, true when the
+// file was written or the save was cancelled.
+inline bool Convert(LoadedActor& loaded, ISaveDialog& save, IRigDialog& rigDialog, ConvertOutcome* result = nullptr) {
+  PackIndex noPacks;
+  ConvertOutcome outcome;
+  ExportActor(GameTables{noPacks, loaded.definitions, loaded.rigs}, "actors\\hero.adr", loaded.actor, loaded.model,
+              loaded.materials, {save, rigDialog}, outcome, {.creationTime = FixedTime});
+  const bool ok = outcome.result == ConvertResult::kWritten || outcome.result == ConvertResult::kCancelled;
+  if (result) *result = std::move(outcome);
+  return ok;
 }
 
 }  // namespace exporttest

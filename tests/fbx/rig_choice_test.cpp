@@ -4,7 +4,9 @@
 #include <vector>
 
 #include "core/hash.h"
+#include "app/rig_choice.h"
 #include "export_fixture.h"
+#include "fbx/setup_rig.h"
 #include "fbx/sdk/fbx_skeleton.h"
 
 namespace {
@@ -32,7 +34,7 @@ struct RigChoice : testing::Test {
   std::string Chosen() {
     ConvertState state;
     EXPECT_TRUE(::Setup(state, "a\\hero.adr"));
-    EXPECT_TRUE(SetupRig(state, loaded.actor, loaded.model, loaded.rigs, dialog));
+    EXPECT_TRUE(SetupRig(state, loaded.model, PickRig(loaded.actor, loaded.model, loaded.rigs, dialog)));
     EXPECT_EQ(state.fbxScene->GetPoseCount(), state.rig ? 1u : 0u) << "no pose without a rig";
     return state.rig ? state.rig->bones[0].name.Text() : "";
   }
@@ -76,11 +78,9 @@ TEST_F(RigChoice, BonesHangAsTheRigSaysAndTwoClaimsOnOneBoneFail) {
   loaded.AddNetwork("hero", NetworkWithSets({{7, Rig({"bone_1", "top", "bone_0"})}}, {{"Idle", 7}}));
   RigNetwork& network = loaded.rigs.ValueAt(0);
   network.rigs[0].bones[0].parent = 2;  // a parent after its child
-  ASSERT_TRUE(loaded.actor.animationNetworkName.Assign("hero.mrn"));
-  ASSERT_TRUE(loaded.actor.animSetName.Assign("Idle"));
   ConvertState state;
   ASSERT_TRUE(::Setup(state, "hero.adr"));
-  ASSERT_TRUE(SetupRig(state, loaded.actor, loaded.model, loaded.rigs, dialog));
+  ASSERT_TRUE(SetupRig(state, loaded.model, &network.rigs[0]));
   ASSERT_EQ(state.rootNode->GetChildCount(), 2u) << "two top-level bones under the root";
   EXPECT_STREQ(state.rootNode->GetChild(0)->GetName(), "top");
   EXPECT_EQ(state.boneNodes[0]->GetParent(), state.boneNodes[2]);
@@ -92,7 +92,7 @@ TEST_F(RigChoice, BonesHangAsTheRigSaysAndTwoClaimsOnOneBoneFail) {
   ASSERT_EQ(HashNameWide("BONE_0"), HashNameWide("bone_0"));
   ConvertState clash;
   ASSERT_TRUE(::Setup(clash, "hero.adr"));
-  EXPECT_FALSE(SetupRig(clash, loaded.actor, loaded.model, loaded.rigs, dialog));
+  EXPECT_FALSE(SetupRig(clash, loaded.model, &network.rigs[0]));
 }
 
 TEST(RigMatches, AModelWithoutBones) {

@@ -11,7 +11,10 @@ struct RigCandidate {
   const RigSkeleton* rig = nullptr;
 };
 
-// Where a conversion asks its user for the file to write. The front end decides how.
+// The questions a conversion asks its user. The window answers them with dialogs, the command line
+// with its options, tests with fixed answers.
+
+// Where to write the file.
 class ISaveDialog {
  public:
   virtual ~ISaveDialog() = default;

@@ -1,0 +1,70 @@
+#pragma once
+
+#include "app/convert_questions.h"
+#include "assets/pack_index.h"
+#include "fbx/convert_state.h"
+#include "fbx/sdk/fbx_object.h"
+#include "gamedata/actor_files.h"
+#include "gamedata/material_definitions.h"
+#include "gamedata/rig_table.h"
+
+// The tables of the loaded game that a conversion reads. A conversion never writes them.
+struct GameTables {
+  const PackIndex& packs;
+  const MaterialDefinitionSet& materials;
+  const RigTable& rigs;
+};
+
+// How one conversion ended.
+enum class ConvertResult {
+  kWritten,
+  kCancelled,  // no path was given: nothing written, nothing logged
+  kReadActorFailed,
+  kParseActorFailed,
+  kReadModelFailed,
+  kParseModelFailed,
+  kReadPaletteFailed,
+  kParsePaletteFailed,
+  kSetupFailed,
+  kRigFailed,
+  kMeshFailed,
+  kWriteFailed,
+};
+
+// A conversion's result and, for a failure, the one line it gives the log.
+struct ConvertOutcome {
+  ConvertResult result = ConvertResult::kCancelled;
+  TStringBufferA<320> logLine;  // empty when written or cancelled
+
+  bool Written() const { return result == ConvertResult::kWritten; }
+};
+
+// The user's answers to a conversion's questions.
+struct ConvertQuestions {
+  ISaveDialog& save;
+  IRigDialog& rig;
+};
+
+// What a conversion may be given beyond its actor.
+struct ConvertOptions {
+  FbxCreationTimeSource creationTime = nullptr;  // the time written into the file; null: the clock
+};
+
+// Converts the actor of `entry`, listed as `actorName`: reads its definition, model and palette
+// afresh, builds the scene with its rig and every mesh, asks for the path and writes the file. A
+// failure writes no file. The outcome's line is the caller's to log.
+void ConvertActor(const GameTables& game, const PackEntry& entry, const char* actorName,
+                  const ConvertQuestions& questions, ConvertOutcome& outcome, const ConvertOptions& options = {});
+
+// The same once the actor's files are read: `materials` is the list that applies (the palette's, or
+// the model's own).
+void ExportActor(const GameTables& game, const char* actorName, const ActorDefinition& actor, const ModelFile& model,
+                 const ModelMaterials& materials, const ConvertQuestions& questions, ConvertOutcome& outcome,
+                 const ConvertOptions& options = {});
+
+// The scene of ExportActor before the path is asked: set-up, rig and every mesh, into `state`.
+// False, with the outcome's failure, at the first step that fails. For callers that write the scene
+// their own way.
+[[nodiscard]] bool BuildActorScene(ConvertState& state, const GameTables& game, const char* actorName,
+                                   const ActorDefinition& actor, const ModelFile& model, const ModelMaterials& materials,
+                                   IRigDialog& rigDialog, ConvertOutcome& outcome, const ConvertOptions& options = {});
