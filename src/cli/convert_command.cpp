@@ -1,8 +1,8 @@
 #include <cstdio>
-#include <filesystem>
 #include <strings.h>
 
-#include "app/convert.h"
+#include "app/convert_actor.h"
+#include "app/log.h"
 #include "cli/cli_session.h"
 
 namespace {
@@ -35,6 +35,14 @@ struct PathAnswer : ISaveDialog {
   bool AskSavePath(CStringBufferA& out) override { return !rig.unanswered && out.Format("%s", path.c_str()) > 0; }
 };
 
+// The listed actor called `name`, ignoring case as the list's order does; null when none is.
+const ListEntry* FindActor(const ListEntries& items, const std::string& name) {
+  for (const ListEntry& item : items) {
+    if (strcasecmp(item.text.c_str(), name.c_str()) == 0) return &item;
+  }
+  return nullptr;
+}
+
 }  // namespace
 
 // One actor to one file. The conversion is the window's: the same log lines, the same file.
@@ -45,31 +53,27 @@ int RunConvert(const CliOptions& options) {
   }
   CliSession session;
   if (!session.Open(options, true)) return 1;
-  HeadlessWindowSystem& window = session.Window();
-  const auto items = window.Snapshot(kFileList).items;
-  i32 index = 0;
-  while (size_t(index) < items.size() && strcasecmp(items[size_t(index)].text.c_str(), options.argument.c_str()) != 0) {
-    ++index;
-  }
-  if (size_t(index) == items.size()) {
+  const ListEntries items = session.Window().Snapshot(kFileList).items;
+  const ListEntry* item = FindActor(items, options.argument);
+  const auto* entry = item ? reinterpret_cast<const PackEntry*>(item->data) : nullptr;
+  if (!entry) {
     std::fprintf(stderr, "tarnwick-cli: no actor \"%s\" in this game (see tarnwick-cli list)\n", options.argument.c_str());
     return 1;
   }
-  window.SetCurSel(kFileList, index);
-  // Success logs nothing, so any new line is the failure's.
-  const i32 logged = window.GetCount(kLogList);
-  std::error_code ignored;
-  const auto before = std::filesystem::last_write_time(options.output, ignored);
+  AppState& app = session.App();
   RigAnswer rig(options.rig);
   PathAnswer save(options.output, rig);
-  Convert(session.App(), save, rig);
-  const bool written = std::filesystem::exists(options.output) &&
-                       std::filesystem::last_write_time(options.output, ignored) != before;
-  if (rig.unanswered) return 1;
-  if (window.GetCount(kLogList) != logged || !written) {
-    std::fprintf(stderr, "tarnwick-cli: \"%s\" was not converted\n", options.argument.c_str());
-    return 1;
+  ConvertOutcome outcome;
+  ConvertActor(GameTables{app.packIndex, app.materials, app.rigs}, *entry, item->text.c_str(), {save, rig}, outcome);
+  if (outcome.logLine.Length()) Log(app, "%s", outcome.logLine.Text());
+  switch (outcome.result) {
+    case ConvertResult::kWritten:
+      std::fprintf(stderr, "Wrote %s\n", options.output.c_str());
+      return 0;
+    case ConvertResult::kCancelled:
+      return 1;  // only an unanswered rig question cancels, and it said why
+    default:
+      std::fprintf(stderr, "tarnwick-cli: \"%s\" was not converted\n", options.argument.c_str());
+      return 1;
   }
-  std::fprintf(stderr, "Wrote %s\n", options.output.c_str());
-  return 0;
 }

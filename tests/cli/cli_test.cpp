@@ -5,8 +5,14 @@
 #include <string>
 #include <vector>
 
+#include "core/hash.h"
+#include "support/model_writer.h"
+#include "support/pack_writer.h"
+#include "support/rig_writer.h"
 #include "support/sample_game.h"
+#include "support/skinned_actor.h"
 #include "support/temp_dir.h"
+#include "support/xml_writer.h"
 
 namespace {
 
@@ -15,10 +21,12 @@ struct CliRun {
   std::string out;
 };
 
-// The command line program with `arguments`; its standard output, and standard error dropped.
-CliRun Cli(const std::string& arguments) {
+// The command line program with `arguments`: its standard output, or with `errors` its standard
+// error; the other is dropped.
+CliRun Cli(const std::string& arguments, bool errors = false) {
   CliRun run;
-  FILE* pipe = popen((std::string(TARNWICK_CLI) + " " + arguments + " 2>/dev/null").c_str(), "r");
+  const std::string redirect = errors ? " 2>&1 >/dev/null" : " 2>/dev/null";
+  FILE* pipe = popen((std::string(TARNWICK_CLI) + " " + arguments + redirect).c_str(), "r");
   if (!pipe) return run;
   char buffer[4096];
   for (size_t n; (n = std::fread(buffer, 1, sizeof(buffer), pipe)) > 0;) run.out.append(buffer, n);
@@ -67,6 +75,84 @@ TEST(Cli, ConvertsEveryActorOfTheSampleGame) {
   EXPECT_NE(Cli(data + "convert actors\\\\nobody.adr -o x.fbx").status, 0);
   EXPECT_NE(Cli("--game-dir '" + dir.Join("nowhere") + "' list").status, 0);
   EXPECT_EQ(Cli("--help").status, 0);
+}
+
+// A game whose actors fail at each step a conversion takes, beside one that converts.
+std::string FailingGame(const testsupport::TempDir& dir) {
+  const testsupport::SkinnedActor hero = testsupport::BuildSkinnedActor({.boneCount = 2});
+  testsupport::RigLayout clash = hero.rig;
+  clash.bones.push_back({.name = "BONE_0"});  // hashes as bone_0: two rig bones claim one model bone
+  testsupport::PaletteDesc unknown;
+  unknown.materials = {{.definitionHash = 1}};
+  const auto actor = [](const std::string& model, const std::string& palette = "", const std::string& set = "") {
+    testsupport::ActorXml xml{.fileName = model};
+    if (!palette.empty()) xml.paletteName = palette;
+    if (!set.empty()) {
+      xml.hasAnimationNetwork = true;
+      xml.networkFileName = "rigs\\hero.mrn";
+      xml.animSetName = set;
+    }
+    return testsupport::BuildActor(xml);
+  };
+  const std::vector<testsupport::PackFileEntry> files = {
+      {"materials_3.xml", hero.catalogue},
+      {"models\\hero.dmod", hero.model},
+      {"hero.mrn", testsupport::BuildRigNetwork(testsupport::NetworkWithSets({{1, hero.rig}, {2, clash}}, {{"Idle", 1}, {"Clash", 2}}))},
+      {"palettes\\unknown.dmat", testsupport::BuildPalette(unknown)},
+      {"actors\\hero.adr", actor("models\\hero.dmod", "", "Idle")},
+      {"actors\\broken.adr", "<ActorRuntime"},
+      {"actors\\no_model.adr", actor("models\\missing.dmod")},
+      {"actors\\bad_model.adr", actor("actors\\hero.adr")},
+      {"actors\\no_palette.adr", actor("models\\hero.dmod", "palettes\\none.dmat")},
+      {"actors\\bad_palette.adr", actor("models\\hero.dmod", "actors\\hero.adr")},
+      {"actors\\clash.adr", actor("models\\hero.dmod", "", "Clash")},
+      {"actors\\bad_mesh.adr", actor("models\\hero.dmod", "palettes\\unknown.dmat")},
+  };
+  const std::string folder = dir.Join("game");
+  EXPECT_TRUE(testsupport::WriteFileBytes(folder + "/Resources/Assets/assets_000.pack",
+                                          testsupport::BuildPack({{testsupport::PackChunk{files}}})));
+  return folder;
+}
+
+TEST(Cli, ConvertReportsEachOutcomeWithItsLineAndStatus) {
+  testsupport::TempDir dir;
+  const std::string game = "--game-dir '" + FailingGame(dir) + "' ";
+  const std::string written = dir.Join("out.fbx");
+  const std::string unwritable = dir.Join("missing/out.fbx");
+  struct Case {
+    const char* actor;
+    std::string output;
+    int status;
+    std::string line;  // the last line on standard error
+  };
+  const Case cases[] = {
+      {"actors\\hero.adr", written, 0, "Wrote " + written},
+      {"actors\\broken.adr", written, 1, "Error parsing \"actors\\broken.adr\"."},
+      {"actors\\no_model.adr", written, 1, "Error reading \"models\\missing.dmod\"."},
+      {"actors\\bad_model.adr", written, 1, "Error parsing \"actors\\bad_model.adr\"."},
+      {"actors\\no_palette.adr", written, 1, "Error reading \"palettes\\none.dmat\"."},
+      {"actors\\bad_palette.adr", written, 1, "Error parsing \"actors\\hero.adr\"."},
+      {"actors\\clash.adr", written, 1, "Failed to initialize rig state."},
+      {"actors\\bad_mesh.adr", written, 1, "Failed to convert mesh."},
+      {"actors\\hero.adr", unwritable, 1, "Failed to write \"" + unwritable + "\"."},
+  };
+  for (const Case& c : cases) {
+    SCOPED_TRACE(std::string(c.actor) + " to " + c.output);
+    std::filesystem::remove(written);
+    const CliRun run = Cli(game + "convert '" + c.actor + "' -o '" + c.output + "'", true);
+    EXPECT_EQ(run.status, c.status);
+    std::vector<std::string> lines = Lines(run.out);
+    while (!lines.empty() && lines.back().empty()) lines.pop_back();  // a line that ends in a line end
+    if (c.status) {
+      ASSERT_GE(lines.size(), 2u) << run.out;
+      EXPECT_EQ(lines[lines.size() - 2], c.line);
+      EXPECT_EQ(lines.back(), std::string("tarnwick-cli: \"") + c.actor + "\" was not converted");
+    } else {
+      ASSERT_FALSE(lines.empty());
+      EXPECT_EQ(lines.back(), c.line);
+    }
+    EXPECT_EQ(std::filesystem::exists(written), c.status == 0);
+  }
 }
 
 }  // namespace
