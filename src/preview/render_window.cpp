@@ -90,7 +90,7 @@ void CRenderWindow::HandleMouse(IMouseCapture& capture, u32 message, u32 buttons
   if (camera.HandleMessage(capture, message, buttons, x, y, captureToSelf)) host.RequestFrame();
 }
 
-bool CRenderWindow::LoadActor(const char* name, const MaterialDefinitionSet* materials) {
+bool CRenderWindow::LoadActor(const PackEntry* entry, const char* name, const MaterialDefinitionSet* materials) {
   host.RequestFrame();
   if (!device) return false;
   if (!host.MakeCurrent()) {
@@ -101,7 +101,7 @@ bool CRenderWindow::LoadActor(const char* name, const MaterialDefinitionSet* mat
   // The old model goes before the new one is known to be good.
   ReleaseDrawList();
   if (!materials || !packIndex || !name) return false;
-  if (!packIndex->FetchByName(name, actorBytes)) return false;
+  if (!PackIndex::FetchEntry(entry, actorBytes)) return false;
   ActorFiles files;
   if (ReadActorFiles(files, actorBytes, *packIndex, modelBytes, paletteBytes) != ActorFilesFailure::kNone) {
     return false;

@@ -19,8 +19,8 @@ class IRenderWindow {
   virtual void Shutdown() = 0;
   // Draws a frame.
   virtual void Tick() = 0;
-  // Shows the actor definition `name` of the packs; false when it can't be shown.
-  virtual bool LoadActor(const char* name, const MaterialDefinitionSet* materials) = 0;
+  // Shows the actor definition of `entry`, listed as `name`; false when it can't be shown.
+  virtual bool LoadActor(const PackEntry* entry, const char* name, const MaterialDefinitionSet* materials) = 0;
   // The info panel's text, never null; valid until the next LoadActor.
   virtual const char* GetInfoText() = 0;
 };
@@ -52,7 +52,7 @@ class CRenderWindow final : public IRenderWindow {
   bool Init(PackIndex* packIndex) override;
   void Shutdown() override;
   void Tick() override;
-  bool LoadActor(const char* name, const MaterialDefinitionSet* materials) override;
+  bool LoadActor(const PackEntry* entry, const char* name, const MaterialDefinitionSet* materials) override;
   const char* GetInfoText() override { return infoText.Text(); }
 
   // A mouse message of the control; `capture` takes and gives back the pointer.

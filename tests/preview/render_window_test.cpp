@@ -99,6 +99,8 @@ class RenderWindowTest : public ::testing::Test {
     ASSERT_TRUE(materials.Read(catalogue));
     ASSERT_TRUE(preview.Init(&packs));
   }
+  // Shows the listed actor `name`, as a click on it does.
+  bool Load(const char* name, const MaterialDefinitionSet* with) { return preview.LoadActor(packs.Find(name), name, with); }
   // The actor `name` over `model`, with the catalogue and `extra` files.
   std::vector<PackFileEntry> Game(const testsupport::SkinnedActor& model, std::vector<PackFileEntry> extra = {}) {
     extra.push_back({"materials_3.xml", model.catalogue});
@@ -126,7 +128,7 @@ TEST_F(RenderWindowTest, InfoTextListsEachMeshsTexturesAndDrawsTheDiffuseOne) {
                                                    {"tex\\b.png", SolidPng(1, 2, 3)},
                                                    {"tex\\broken.png", "not an image"}}));
 
-  ASSERT_TRUE(preview.LoadActor("actors\\thing.adr", &materials));
+  ASSERT_TRUE(Load("actors\\thing.adr", &materials));
   EXPECT_STREQ(preview.GetInfoText(),
                "Info for actors\\thing.adr\r\n\r\n"
                "-- Textures for mesh 0\r\ntex\\n.dds\r\ntex\\a.png\r\n"
@@ -149,7 +151,7 @@ TEST_F(RenderWindowTest, InfoTextListsEachMeshsTexturesAndDrawsTheDiffuseOne) {
   EXPECT_EQ(host.device.clearDepth, 1.0f);
 
   // A second load of the same actor decodes the image anew, and the old meshes are gone.
-  ASSERT_TRUE(preview.LoadActor("actors\\thing.adr", &materials));
+  ASSERT_TRUE(Load("actors\\thing.adr", &materials));
   EXPECT_EQ(host.device.firstPixels.size(), 2u);
   EXPECT_EQ(host.device.liveMeshes, 4);
   EXPECT_EQ(host.device.liveTextures, 1);
@@ -159,7 +161,7 @@ TEST_F(RenderWindowTest, FramesTheModelsBox) {
   testsupport::SkinnedActorDesc desc{.meshCount = 1, .gridSize = 2, .boneCount = 1};
   desc.bounds = {1, 1, 1, 3, 3, 3};  // size 2, centred on (2, 2, 2)
   Open(Game(testsupport::BuildSkinnedActor(desc)));
-  ASSERT_TRUE(preview.LoadActor("actors\\thing.adr", &materials));
+  ASSERT_TRUE(Load("actors\\thing.adr", &materials));
   preview.Tick();
   // Centred, unturned, then moved 3.6 away: the box of size 2 at an aspect of 1.
   const Matrix4& world = host.device.world;
@@ -180,20 +182,20 @@ TEST_F(RenderWindowTest, FailedLoadsEmptyThePreviewAndKeepTheTextUpToTheirFailur
                                                                   .paletteName = "short.dmat"})},
                     {"short.dmat", testsupport::BuildPalette(shortPalette)},
                     {"actors\\broken.adr", "<ActorRuntime>"}}));
-  ASSERT_TRUE(preview.LoadActor("actors\\thing.adr", &materials));
+  ASSERT_TRUE(Load("actors\\thing.adr", &materials));
   const std::string good = preview.GetInfoText();
 
   for (const char* early : {"actors\\missing.adr", "actors\\broken.adr", "actors\\palette_gone.adr"}) {
-    EXPECT_FALSE(preview.LoadActor(early, &materials)) << early;
+    EXPECT_FALSE(Load(early, &materials)) << early;
     EXPECT_EQ(preview.GetInfoText(), good) << early;
     EXPECT_EQ(preview.DrawCount(), 0u) << early;
   }
-  EXPECT_FALSE(preview.LoadActor("actors\\short.adr", &materials));
+  EXPECT_FALSE(Load("actors\\short.adr", &materials));
   EXPECT_STREQ(preview.GetInfoText(),
                "Info for actors\\short.adr\r\n\r\n-- Textures for mesh 0\r\n-- Textures for mesh 1\r\n");
   EXPECT_EQ(preview.DrawCount(), 0u);
   EXPECT_EQ(host.device.liveMeshes, 0);
-  EXPECT_FALSE(preview.LoadActor("actors\\thing.adr", nullptr));
+  EXPECT_FALSE(Load("actors\\thing.adr", nullptr));
 }
 
 TEST_F(RenderWindowTest, AsksForAFirstFrameAtInitAndStopsALoadWithoutItsContext) {
@@ -201,11 +203,11 @@ TEST_F(RenderWindowTest, AsksForAFirstFrameAtInitAndStopsALoadWithoutItsContext)
   Open(Game(testsupport::BuildSkinnedActor(desc)));
   // Without it the control shows whatever was there until the first actor, not the clear colour.
   EXPECT_EQ(host.framesRequested, 1);
-  ASSERT_TRUE(preview.LoadActor("actors\\thing.adr", &materials));
+  ASSERT_TRUE(Load("actors\\thing.adr", &materials));
 
   host.current = false;
   const size_t made = host.device.vertexCounts.size();
-  EXPECT_FALSE(preview.LoadActor("actors\\thing.adr", &materials));
+  EXPECT_FALSE(Load("actors\\thing.adr", &materials));
   EXPECT_EQ(preview.DrawCount(), 0u);
   EXPECT_EQ(host.device.vertexCounts.size(), made) << "no mesh is made without the context";
 }
@@ -218,7 +220,7 @@ TEST(RenderWindowHollow, WithoutGraphicsEveryCallDoesNothing) {
   PackIndex packs;
   EXPECT_FALSE(preview.Init(&packs));
   MaterialDefinitionSet materials;
-  EXPECT_FALSE(preview.LoadActor("actors\\thing.adr", &materials));
+  EXPECT_FALSE(preview.LoadActor(nullptr, "actors\\thing.adr", &materials));
   preview.Tick();
   EXPECT_TRUE(host.device.draws.empty());
   EXPECT_EQ(host.closed, 0);
