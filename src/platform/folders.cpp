@@ -13,3 +13,21 @@ FolderResult MakeFolder(const char* path) {
   if (::mkdir(platformPath, 0777) == 0) return FolderResult::Made;
   return errno == EEXIST ? FolderResult::Exists : FolderResult::Failed;
 }
+
+bool MakeFolders(const char* path) {
+  char platformPath[PATH_MAX];
+  if (!path || !ToPlatformPath(path, platformPath, sizeof(platformPath))) return false;
+  // Each prefix that ends at a separator, then the whole; the root and empty steps are skipped.
+  for (char* p = platformPath + 1;; ++p) {
+    const bool end = *p == 0;
+    if (*p != '/' && !end) continue;
+    const char kept = *p;
+    *p = 0;
+    const bool made = ::mkdir(platformPath, 0777) == 0 || errno == EEXIST;
+    struct stat info {};
+    const bool folder = made && ::stat(platformPath, &info) == 0 && S_ISDIR(info.st_mode);
+    *p = kept;
+    if (!folder) return false;
+    if (end) return true;
+  }
+}

@@ -9,6 +9,10 @@ namespace {
 
 constexpr u32 kMaxWorkers = 16;
 
+// Set on the threads of a ParallelFor while they run items: work split again inside an item runs
+// on the thread that has it, since the outer split already keeps every processor busy.
+thread_local bool insideParallelFor = false;
+
 struct Shared {
   void (*body)(void*, u32, u32);
   void* context;
@@ -29,6 +33,7 @@ void Drain(Shared& shared, u32 worker) {
 
 void* ThreadMain(void* argument) {
   const Worker* worker = static_cast<Worker*>(argument);
+  insideParallelFor = true;
   Drain(*worker->shared, worker->index);
   return nullptr;
 }
@@ -37,6 +42,10 @@ void* ThreadMain(void* argument) {
 
 void ParallelFor(u32 count, u32 maxWorkers, void (*body)(void*, u32, u32), void* context) {
   Shared shared{body, context, count};
+  if (insideParallelFor) {
+    Drain(shared, 0);
+    return;
+  }
   const u32 wanted = maxWorkers < 1 ? 1 : (maxWorkers > kMaxWorkers ? kMaxWorkers : maxWorkers);
   const u32 extra = (count < wanted ? count : wanted) - (count ? 1 : 0);
   pthread_t threads[kMaxWorkers];
@@ -47,9 +56,13 @@ void ParallelFor(u32 count, u32 maxWorkers, void (*body)(void*, u32, u32), void*
     if (pthread_create(&threads[started], nullptr, ThreadMain, &workers[started]) != 0) break;
     ++started;
   }
+  insideParallelFor = true;
   Drain(shared, 0);
+  insideParallelFor = false;
   for (u32 i = 0; i < started; ++i) pthread_join(threads[i], nullptr);
 }
+
+bool InsideParallelFor() { return insideParallelFor; }
 
 u32 ProcessorCount() {
   const long n = sysconf(_SC_NPROCESSORS_ONLN);

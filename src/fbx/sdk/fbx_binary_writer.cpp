@@ -57,7 +57,8 @@ bool Pack(const FbxRecord& document, Packed& packed) {
   TArray<const FbxRecordValue*> large;
   if (!CollectLarge(document, large) || !packed.streams.SetSize(large.Count())) return false;
   if (large.Count() == 0) return true;
-  u32 workers = ProcessorCount();
+  // Inside a batch the files themselves are spread over the processors.
+  u32 workers = InsideParallelFor() ? 1 : ProcessorCount();
   if (workers > kMaxCompressors) workers = kMaxCompressors;
   if (workers > large.Count()) workers = large.Count();
   std::unique_ptr<libdeflate_compressor, CompressorDeleter> compressors[kMaxCompressors];
