@@ -48,6 +48,7 @@ struct ConvertQuestions {
 // What a conversion may be given beyond its actor.
 struct ConvertOptions {
   FbxCreationTimeSource creationTime = nullptr;  // the time written into the file; null: the clock
+  bool quiet = false;  // no writer messages on standard output, for many conversions at once
 };
 
 // Converts the actor of `entry`, listed as `actorName`: reads its definition, model and palette

@@ -63,7 +63,7 @@ bool FileStem(const char* text, CStringBufferA& out) {
   return true;
 }
 
-bool WriteScene(FbxManager* manager, FbxScene* scene, const char* path) {
+bool WriteScene(FbxManager* manager, FbxScene* scene, const char* path, bool quiet) {
   FbxExporter* exporter = FbxExporter::Create(manager, "");
   if (!exporter) return false;
   const int format = manager->GetIOPluginRegistry()->GetNativeWriterFormat();
@@ -72,6 +72,7 @@ bool WriteScene(FbxManager* manager, FbxScene* scene, const char* path) {
     for (const auto& option : kExportOptions) settings->SetBoolProp(option.name, option.value);
   }
   if (!exporter->Initialize(path, format, settings)) {
+    if (quiet) return false;
     std::printf("Call to FbxExporter::Initialize() failed.\n");
     std::printf("Error returned: %s\n\n", exporter->GetStatus().GetErrorString());
     std::fflush(stdout);
@@ -80,8 +81,10 @@ bool WriteScene(FbxManager* manager, FbxScene* scene, const char* path) {
   (void)exporter->SetFileExportVersion("FBX201200", FbxSceneRenamer::eNone);
   int major = 0, minor = 0, revision = 0;
   FbxManager::GetFileFormatVersion(major, minor, revision);
-  std::printf("FBX file format version %d.%d.%d\n\n", major, minor, revision);
-  std::fflush(stdout);
+  if (!quiet) {
+    std::printf("FBX file format version %d.%d.%d\n\n", major, minor, revision);
+    std::fflush(stdout);
+  }
   const bool exported = exporter->Export(scene, false);
   exporter->Destroy();
   return exported;

@@ -496,4 +496,30 @@ bool BuildSampleGame(const std::string& dir, std::string* error) {
   return Write(paths.digest, paths.game, error);
 }
 
+bool BuildBatchGame(const std::string& dir, u32 copies, std::string* error) {
+  if (!BuildSampleGame(dir, error)) return false;
+  std::vector<std::pair<std::string, std::string>> actors;
+  const PackLayout packs[] = {SingleChunkPack(HumanoidPack()), CreaturePack(), SingleChunkPack(PropPack())};
+  for (const PackLayout& pack : packs) {
+    for (const PackChunk& chunk : pack.chunks) {
+      for (const PackFileEntry& entry : chunk.entries) {
+        if (entry.name.ends_with(".adr")) actors.emplace_back(entry.name.substr(entry.name.rfind('\\') + 1), entry.data);
+      }
+    }
+  }
+  PackChunk chunk;
+  for (u32 n = 0; n < copies; ++n) {
+    const std::string folder = "batch\\" + std::to_string(n) + "\\";
+    for (const auto& [name, data] : actors) chunk.entries.push_back({.name = folder + name, .data = data});
+    chunk.entries.push_back({.name = folder + "unreadable.adr", .data = "<ActorRuntime/>", .dataOffset = 0x7FFFFFF0});
+    chunk.entries.push_back({.name = folder + "broken.adr", .data = "<ActorRuntime"});
+    chunk.entries.push_back({.name = folder + "no_model.adr", .data = BuildActor(Actor("models\\none.dmod"))});
+    chunk.entries.push_back({.name = folder + "no_palette.adr",
+                             .data = BuildActor({.fileName = "models\\barrel.dmod", .paletteName = "none.dmat"})});
+    chunk.entries.push_back({.name = folder + "Twin.adr", .data = BuildActor(Actor("models\\barrel.dmod"))});
+    chunk.entries.push_back({.name = "batch/" + std::to_string(n) + "/Twin.ADR", .data = BuildActor(Actor("models\\crate.dmod"))});
+  }
+  return Write(SampleGameLayout(dir).assets + "/" + PackFileName(3), BuildPack(PackLayout{{chunk}}), error);
+}
+
 }  // namespace testsupport

@@ -2,6 +2,8 @@
 
 #include <string>
 
+#include "core/types.h"
+
 namespace testsupport {
 
 // Where BuildSampleGame puts things below `dir`, as absolute paths.
@@ -19,5 +21,11 @@ SampleGamePaths SampleGameLayout(const std::string& dir);
 // to it. Every actor converts; between them they take each way of finding a rig, each kind of
 // skin and a static mesh. False, with the reason in `error` if given, when a file can't be written.
 bool BuildSampleGame(const std::string& dir, std::string* error);
+
+// The sample game with a fourth pack that holds `copies` copies of each of its actor definitions,
+// "batch\\<n>\\<name>.adr", and, per copy, actors that fail: one whose definition can't be read
+// from the pack, one that doesn't parse, one whose model is missing, one whose palette is missing,
+// and two names that map to one output file ("batch\\<n>\\Twin.adr" and "batch/<n>/Twin.ADR").
+bool BuildBatchGame(const std::string& dir, u32 copies, std::string* error);
 
 }  // namespace testsupport

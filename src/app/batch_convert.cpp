@@ -1,0 +1,90 @@
+#include "app/batch_convert.h"
+
+#include <strings.h>
+
+#include <mutex>
+
+#include "platform/folders.h"
+#include "platform/parallel_for.h"
+
+namespace {
+
+// Answers the rig question by the set the settings name; otherwise notes the choices and refuses,
+// and the save answer then refuses too, so nothing is written without the rig the user meant.
+class BatchQuestions final : public IRigDialog, public ISaveDialog {
+ public:
+  BatchQuestions(const BatchSettings& batch, const BatchActor& one) : settings(batch), actor(one) {}
+
+  i32 Run(const RigCandidate* candidates, const RigSkeleton*& selected) override {
+    for (const RigCandidate* c = candidates; c; c = c->next) {
+      if (!settings.rig.empty() && c->name && strcasecmp(c->name, settings.rig.c_str()) == 0) {
+        selected = c->rig;
+        return 1;
+      }
+    }
+    choices = "several rigs fit; choose one with --rig:";
+    for (const RigCandidate* c = candidates; c; c = c->next) choices += std::string(" ") + (c->name ? c->name : "(no name)");
+    return 0;
+  }
+
+  bool AskSavePath(CStringBufferA& out) override {
+    if (!choices.empty()) return false;
+    const std::string path = settings.outDir + "/" + actor.output;
+    const size_t folder = path.rfind('/');
+    // The folder is made only for an actor that got this far: a failed read leaves none behind.
+    if (folder != std::string::npos && folder > 0 && !MakeFolders(path.substr(0, folder).c_str())) {
+      folderFailed = true;
+      return false;
+    }
+    return out.Format("%s", path.c_str()) > 0;
+  }
+
+  const BatchSettings& settings;
+  const BatchActor& actor;
+  std::string choices;  // the skip's reason, when the rig question went unanswered
+  bool folderFailed = false;
+};
+
+void Count(BatchSummary& summary, BatchState state) {
+  switch (state) {
+    case BatchState::kWritten: ++summary.written; break;
+    case BatchState::kFailed: ++summary.failed; break;
+    case BatchState::kSkipped: ++summary.skipped; break;
+    case BatchState::kNotStarted: ++summary.notStarted; break;
+  }
+}
+
+}  // namespace
+
+BatchSummary RunBatch(const GameTables& game, const std::vector<BatchActor>& actors, const BatchSettings& settings,
+                      IBatchObserver* observer, const std::atomic<bool>& stop, std::vector<BatchActorResult>& results) {
+  results.assign(actors.size(), BatchActorResult{});
+  BatchSummary sofar;
+  std::mutex report;
+  auto convert = [&](u32, u32 index) {
+    if (stop.load(std::memory_order_relaxed)) return;
+    const BatchActor& actor = actors[index];
+    BatchActorResult& result = results[index];
+    BatchQuestions questions(settings, actor);
+    ConvertOutcome outcome;
+    ConvertActor(game, *actor.entry, actor.name.c_str(), {questions, questions}, outcome, settings.convert);
+    result.result = outcome.result;
+    if (outcome.Written()) {
+      result.state = BatchState::kWritten;
+    } else if (!questions.choices.empty()) {
+      result.state = BatchState::kSkipped;
+      result.line = questions.choices;
+    } else {
+      result.state = BatchState::kFailed;
+      result.line = questions.folderFailed ? "Failed to make the folder of \"" + actor.output + "\"."
+                                           : std::string(outcome.logLine.Text());
+    }
+    const std::lock_guard lock(report);
+    Count(sofar, result.state);
+    if (observer) observer->ActorDone(actor, result, sofar);
+  };
+  ParallelFor(u32(actors.size()), settings.jobs, convert);
+  BatchSummary summary;
+  for (const BatchActorResult& result : results) Count(summary, result.state);
+  return summary;
+}
