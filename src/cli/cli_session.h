@@ -1,6 +1,7 @@
 #pragma once
 
 #include <string>
+#include <vector>
 
 #include "app/app_state.h"
 #include "platform/headless_window_system.h"
@@ -13,7 +14,10 @@ struct CliOptions {
   std::string gameDir;   // --game-dir: an installation folder; skips discovery
   std::string output;    // convert -o
   std::string rig;       // convert --rig: the animation set of the rig to take
-  std::string argument;  // the pattern of list, the actor of convert
+  std::string argument;  // the pattern of list, the actor of convert: the first of `arguments`
+  std::vector<std::string> arguments;  // every word after the command
+  std::string outDir;    // convert --out-dir: converts every actor that a pattern matches
+  u32 jobs = 0;          // convert --jobs: conversions at once; 0 for one per processor
 };
 
 class CliSession {
@@ -36,3 +40,4 @@ class CliSession {
 int RunGames(const CliOptions& options);
 int RunList(const CliOptions& options);
 int RunConvert(const CliOptions& options);
+int RunBatchConvert(const CliOptions& options);

@@ -1,4 +1,5 @@
 #include <cstdio>
+#include <cstdlib>
 #include <cstring>
 #include <string>
 
@@ -15,6 +16,11 @@ constexpr const char* kUsage =
     "  convert ACTOR -o FILE.fbx [--rig NAME]\n"
     "                                 writes one actor; --rig picks the rig by animation set name\n"
     "                                 when several fit\n"
+    "  convert PATTERN... --out-dir DIR [--jobs N] [--rig NAME]\n"
+    "                                 writes every actor that a pattern matches (as the search box\n"
+    "                                 matches whole names: '*' is every actor) below DIR, N at once\n"
+    "                                 (default: one per processor); an actor that needs a rig\n"
+    "                                 choice --rig doesn't answer is skipped\n"
     "\n"
     "Options:\n"
     "  --game NAME       the game to open (default: the first one found)\n"
@@ -22,7 +28,19 @@ constexpr const char* kUsage =
     "  --game-dir DIR    an installation folder to open, without looking for digests\n"
     "  --help            this text\n"
     "\n"
-    "Log lines go to standard error; the exit status is 0 on success.\n";
+    "Log lines go to standard error; the exit status is 0 on success, 1 when something failed\n"
+    "or was skipped, 2 when nothing could start.\n";
+
+constexpr u32 kMaxJobs = 64;
+
+// A whole number of jobs from 1 to kMaxJobs.
+bool ParseJobs(const std::string& text, u32& jobs) {
+  char* end = nullptr;
+  const unsigned long value = std::strtoul(text.c_str(), &end, 10);
+  if (text.empty() || *end || value < 1 || value > kMaxJobs) return false;
+  jobs = u32(value);
+  return true;
+}
 
 }  // namespace
 
@@ -51,25 +69,33 @@ int main(int argc, char** argv) {
       ok = take(options.output);
     } else if (arg == "--rig") {
       ok = take(options.rig);
+    } else if (arg == "--out-dir") {
+      ok = take(options.outDir);
+    } else if (arg == "--jobs") {
+      std::string jobs;
+      ok = take(jobs) && ParseJobs(jobs, options.jobs);
     } else if (!arg.empty() && arg[0] == '-') {
       std::fprintf(stderr, "tarnwick-cli: unknown option %s\n\n%s", arg.c_str(), kUsage);
       return 2;
     } else if (command.empty()) {
       command = arg;
-    } else if (options.argument.empty()) {
-      options.argument = arg;
     } else {
-      std::fprintf(stderr, "tarnwick-cli: unexpected %s\n", arg.c_str());
-      return 2;
+      options.arguments.push_back(arg);
     }
     if (!ok) {
-      std::fprintf(stderr, "tarnwick-cli: %s needs a value\n", arg.c_str());
+      std::fprintf(stderr, "tarnwick-cli: %s needs a value%s\n", arg.c_str(), arg == "--jobs" ? " from 1 to 64" : "");
       return 2;
     }
   }
+  if (!options.arguments.empty()) options.argument = options.arguments[0];
+  // Only a batch takes several words after its command.
+  if (options.arguments.size() > 1 && !(command == "convert" && !options.outDir.empty())) {
+    std::fprintf(stderr, "tarnwick-cli: unexpected %s\n", options.arguments[1].c_str());
+    return 2;
+  }
   if (command == "games") return RunGames(options);
   if (command == "list") return RunList(options);
-  if (command == "convert") return RunConvert(options);
+  if (command == "convert") return options.outDir.empty() ? RunConvert(options) : RunBatchConvert(options);
   std::fprintf(stderr, "%s%s", command.empty() ? "" : ("tarnwick-cli: unknown command " + command + "\n\n").c_str(), kUsage);
   return 2;
 }

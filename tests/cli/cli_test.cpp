@@ -155,4 +155,39 @@ TEST(Cli, ConvertReportsEachOutcomeWithItsLineAndStatus) {
   }
 }
 
+TEST(Cli, BatchConvertSummarisesAndExitsByWhatWasWritten) {
+  testsupport::TempDir dir;
+  const std::string game = "--game-dir '" + FailingGame(dir) + "' ";
+  const std::string out = dir.Join("out");
+  const CliRun run = Cli(game + "convert 'actors\\*' --out-dir '" + out + "' --jobs 2");
+  EXPECT_EQ(run.status, 1) << "some failed";
+  const std::vector<std::string> lines = Lines(run.out);
+  ASSERT_EQ(lines.size(), 8u + 1 + 1 + 7) << run.out;  // a line per actor, the counts, a heading, the failures
+  EXPECT_EQ(lines[8].substr(0, 19), "Converted 8 actors ");
+  EXPECT_EQ(lines[8].substr(lines[8].find(':')), ": 1 written, 7 failed, 0 skipped.");
+  EXPECT_EQ(lines[9], "Failed:");
+  EXPECT_EQ(lines[10], "  actors\\bad_mesh.adr: Failed to convert mesh.") << "the list's order, the line without its end";
+  EXPECT_EQ(lines[16], "  actors\\no_palette.adr: Error reading \"palettes\\none.dmat\".");
+  EXPECT_TRUE(std::filesystem::exists(out + "/actors/hero.fbx"));
+
+  struct Case {
+    std::string arguments;
+    int status;
+  };
+  const std::string sample = dir.Join("sample");
+  ASSERT_TRUE(testsupport::BuildSampleGame(sample, nullptr));
+  const std::string data = "--data-dir '" + testsupport::SampleGameLayout(sample).userData + "' ";
+  const Case cases[] = {
+      {data + "convert '*' --out-dir '" + dir.Join("all") + "' --rig childidle", 0},
+      {data + "convert '*' --out-dir '" + dir.Join("all") + "'", 1},  // the scarecrow's rig is not answered
+      {data + "convert 'nobody*' --out-dir '" + dir.Join("none") + "'", 2},
+      {data + "convert '*' --out-dir '" + dir.Join("x") + "' --jobs 0", 2},
+      {data + "convert '*' --out-dir '" + dir.Join("x") + "' -o one.fbx", 2},
+      {"--game-dir '" + dir.Join("nowhere") + "' convert '*' --out-dir '" + dir.Join("x") + "'", 2},
+      {data + "list a b", 2},
+  };
+  for (const Case& c : cases) EXPECT_EQ(Cli(c.arguments).status, c.status) << c.arguments;
+  EXPECT_EQ(std::distance(std::filesystem::directory_iterator(dir.Join("all/actors")), {}), 10);
+}
+
 }  // namespace
