@@ -48,6 +48,7 @@ struct AppState {
   CThread worker;
   CThread::CreateFunction createThread = pthread_create;
   std::atomic<bool> workerBusy{false};
+  std::atomic<bool> batchStop{false};  // set by Cancel: the running batch starts no further actor
 };
 
 // The known games, in table order.

@@ -22,8 +22,12 @@ class BatchQuestions final : public IRigDialog, public ISaveDialog {
         return 1;
       }
     }
-    choices = "several rigs fit; choose one with --rig:";
-    for (const RigCandidate* c = candidates; c; c = c->next) choices += std::string(" ") + (c->name ? c->name : "(no name)");
+    choices = "several rigs fit (";
+    for (const RigCandidate* c = candidates; c; c = c->next) {
+      choices += c->name ? c->name : "(no name)";
+      if (c->next) choices += ", ";
+    }
+    choices += "); " + settings.rigHint;
     return 0;
   }
 

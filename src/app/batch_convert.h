@@ -27,6 +27,7 @@ struct BatchSettings {
   std::string outDir;  // the folder the outputs go below; made as needed
   u32 jobs = 1;        // conversions at once
   std::string rig;     // the animation set that answers every rig question; empty: none does
+  std::string rigHint = "choose one with --rig NAME";  // ends the reason of a skip
   ConvertOptions convert;
 };
 

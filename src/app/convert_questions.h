@@ -30,3 +30,11 @@ class IRigDialog {
   // candidate's rig in `selected` when the user presses OK on a selection, or 0 on Cancel.
   virtual i32 Run(const RigCandidate* candidates, const RigSkeleton*& selected) = 0;
 };
+
+// The folder that a conversion of several actors writes below.
+class IFolderDialog {
+ public:
+  virtual ~IFolderDialog() = default;
+  // Fills `path` and gives true, or gives false when the user cancels.
+  virtual bool AskFolder(CStringBufferA& path) = 0;
+};

@@ -1,5 +1,6 @@
 #include "app/worker.h"
 
+#include "app/batch_worker.h"
 #include "app/file_list.h"
 #include "app/game_selection.h"
 
@@ -14,6 +15,8 @@ struct Task {
   WorkerKind kind = WorkerKind::Load;
   u32 row = 0;
   TStringBufferA<128> filter;
+  std::vector<BatchActor> actors;  // of a batch conversion
+  std::string outDir;
 };
 
 void Frame(AppState& app, const Task& task) {
@@ -25,6 +28,7 @@ void Frame(AppState& app, const Task& task) {
     case WorkerKind::Load: LoadGame(app, task.row); break;
     case WorkerKind::List: ListWalk(app); break;
     case WorkerKind::Search: SearchWalk(app, task.filter.Text()); break;
+    case WorkerKind::Convert: ConvertBatch(app, task.actors, task.outDir); break;
   }
   for (i32 id : kFrameControls) window.Enable(id, true);
   window.Show(kProgressBar, false);
@@ -37,21 +41,11 @@ void RunTask(void* context) {
   task->app->workerBusy = false;
 }
 
-}  // namespace
-
-bool StartWorker(AppState& app, WorkerKind kind, u32 row, const char* filter) {
-  if (!app.window || app.workerBusy.exchange(true)) return false;
-  app.worker.Join();  // the last one has ended; its thread is collected
-  TOwned<Task> task(MemNew<Task>());
-  if (!task || (filter && *filter && task->filter.Format("%s", filter) <= 0)) {
-    app.workerBusy = false;
-    return false;
-  }
+// The start that every kind shares, once its task is filled.
+bool Launch(AppState& app, TOwned<Task> task, const char* statusText) {
   task->app = &app;
-  task->kind = kind;
-  task->row = row;
   app.window->SetMarquee(kProgressBar, true, kMarqueeStepMilliseconds);
-  app.window->SetText(kStatusText, kind == WorkerKind::Load ? "Initializing game data" : "Listing files...");
+  app.window->SetText(kStatusText, statusText);
   // A refused thread leaves the controls as they are: nothing disabled them yet.
   if (!app.worker.Start(RunTask, task.get(), app.createThread)) {
     app.workerBusy = false;
@@ -59,6 +53,38 @@ bool StartWorker(AppState& app, WorkerKind kind, u32 row, const char* filter) {
   }
   (void)task.release();  // the worker frees it
   return true;
+}
+
+// Claims the one worker slot and collects the last worker's thread; null when a worker runs.
+TOwned<Task> Claim(AppState& app) {
+  if (!app.window || app.workerBusy.exchange(true)) return nullptr;
+  app.worker.Join();
+  TOwned<Task> task(MemNew<Task>());
+  if (!task) app.workerBusy = false;
+  return task;
+}
+
+}  // namespace
+
+bool StartWorker(AppState& app, WorkerKind kind, u32 row, const char* filter) {
+  TOwned<Task> task = Claim(app);
+  if (!task) return false;
+  if (filter && *filter && task->filter.Format("%s", filter) <= 0) {
+    app.workerBusy = false;
+    return false;
+  }
+  task->kind = kind;
+  task->row = row;
+  return Launch(app, std::move(task), kind == WorkerKind::Load ? "Initializing game data" : "Listing files...");
+}
+
+bool StartBatchWorker(AppState& app, std::vector<BatchActor> actors, std::string outDir) {
+  TOwned<Task> task = Claim(app);
+  if (!task) return false;
+  task->kind = WorkerKind::Convert;
+  task->actors = std::move(actors);
+  task->outDir = std::move(outDir);
+  return Launch(app, std::move(task), "Converting...");
 }
 
 void WaitForWorker(AppState& app) {

@@ -1,14 +1,18 @@
 #pragma once
 
 #include "app/app_state.h"
+#include "app/batch_convert.h"
 
-enum class WorkerKind { Load, List, Search };
+enum class WorkerKind { Load, List, Search, Convert };
 
 // Starts the worker of `kind` on its own thread and returns at once: the load worker for `row`,
 // the list and search workers with `filter` (empty for the list). False, with nothing started,
 // while another worker runs: a second request in the moment before the first has disabled the
 // controls is refused here.
 bool StartWorker(AppState& app, WorkerKind kind, u32 row, const char* filter);
+
+// Starts the convert worker on `actors`, written below `outDir`; false as StartWorker.
+bool StartBatchWorker(AppState& app, std::vector<BatchActor> actors, std::string outDir);
 
 // Main thread: serves the worker's window calls until it has ended.
 void WaitForWorker(AppState& app);

@@ -50,6 +50,7 @@ i32 HeadlessWindowSystem::AddString(i32 control, const char* text) {
     result = i32(at);
     c.items.insert(c.items.begin() + ptrdiff_t(at), Item{text});
     if (c.selection >= result) ++c.selection;
+    c.selected.clear();  // a user's choice of several isn't kept across a change of the list
   });
   return result;
 }
@@ -103,6 +104,7 @@ bool HeadlessWindowSystem::SetCurSel(i32 control, i32 index) {
     Control& c = At(control);
     ok = index >= 0 && size_t(index) < c.items.size();
     c.selection = ok ? index : kListError;
+    c.selected.clear();
   });
   return ok;
 }
@@ -133,6 +135,7 @@ void HeadlessWindowSystem::ResetContent(i32 control) {
     Control& c = At(control);
     c.items.clear();
     c.selection = kListError;
+    c.selected.clear();
     c.topIndex = 0;
   });
 }
@@ -146,6 +149,7 @@ i32 HeadlessWindowSystem::GetCount(i32 control) {
 void HeadlessWindowSystem::AddItems(i32 control, const ListItem* items, u32 count) {
   OnMain([&] {
     Control& c = At(control);
+    c.selected.clear();
     if (c.sorted) return MergeSorted(c.items, items, count, listLimit, c.selection);
     for (u32 i = 0; i < count && c.items.size() < listLimit; ++i) c.items.push_back(Item{items[i].text, items[i].data});
   });
@@ -190,6 +194,41 @@ bool HeadlessWindowSystem::QuitPosted() const {
 
 void HeadlessWindowSystem::SetListLimit(u32 count) {
   OnMain([&] { listLimit = count; });
+}
+
+std::vector<i32> HeadlessWindowSystem::GetSelectedItems(i32 control) {
+  std::vector<i32> selected;
+  OnMain([&] {
+    const Control& c = At(control);
+    if (!c.selected.empty()) {
+      selected = c.selected;
+    } else if (c.selection >= 0) {
+      selected.push_back(c.selection);
+    }
+  });
+  return selected;
+}
+
+void HeadlessWindowSystem::SelectItems(i32 control, const std::vector<i32>& indices) {
+  OnMain([&] {
+    Control& c = At(control);
+    c.selected.clear();
+    for (i32 index : indices) {
+      if (index >= 0 && size_t(index) < c.items.size()) c.selected.push_back(index);
+    }
+    c.selection = c.selected.empty() ? kListError : c.selected.back();
+    std::sort(c.selected.begin(), c.selected.end());
+    c.selected.erase(std::unique(c.selected.begin(), c.selected.end()), c.selected.end());
+  });
+}
+
+void HeadlessWindowSystem::SetProgress(i32 control, u32 done, u32 total) {
+  OnMain([&] {
+    Control& c = At(control);
+    c.marquee = false;
+    c.progressDone = done;
+    c.progressTotal = total;
+  });
 }
 
 HeadlessWindowSystem::Control HeadlessWindowSystem::Snapshot(i32 control) {

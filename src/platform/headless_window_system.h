@@ -24,6 +24,8 @@ class HeadlessWindowSystem final : public IWindowSystem {
     ListEntries items;
     bool sorted = false;
     i32 selection = kListError;
+    std::vector<i32> selected;  // with `selection` among them, in index order
+    u32 progressDone = 0, progressTotal = 0;
     i32 topIndex = 0;
     std::string text;
     bool enabled = true;
@@ -45,6 +47,8 @@ class HeadlessWindowSystem final : public IWindowSystem {
   i32 GetCount(i32 control) override;
   void SetTopIndex(i32 control, i32 index) override;
   void AddItems(i32 control, const ListItem* items, u32 count) override;
+  std::vector<i32> GetSelectedItems(i32 control) override;
+  void SetProgress(i32 control, u32 done, u32 total) override;
   void SetMarquee(i32 control, bool on, u32 stepMilliseconds) override;
   void SetText(i32 control, const char* text) override;
   bool GetText(i32 control, CStringBufferA& text) override;
@@ -59,6 +63,8 @@ class HeadlessWindowSystem final : public IWindowSystem {
   bool QuitPosted() const;
   // Each line added to the log list is also written to `stream` (null: nowhere).
   void EchoLog(std::FILE* stream) { logEcho = stream; }
+  // Selects `indices` of a list as a user's clicks do, the last of them taken last.
+  void SelectItems(i32 control, const std::vector<i32>& indices);
   // At most `count` items in each list from now on; more give kListErrSpace.
   void SetListLimit(u32 count);
   // A copy of a control's state, taken on the main thread.

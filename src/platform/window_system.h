@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <vector>
 
 #include "core/string_buffer.h"
 #include "core/types.h"
@@ -20,6 +21,7 @@ enum ControlId : i32 {
   kProgressBar = 1012,
   kStatusText = 1014,
   kInfoText = 1020,
+  kCancelButton = 1021,  // stops a batch conversion; shown only while one runs
 };
 
 // Answers of the list operations.
@@ -58,8 +60,14 @@ class IWindowSystem {
   // dropped. One crossing to the main thread for all, so a long list fills quickly.
   virtual void AddItems(i32 control, const ListItem* items, u32 count) = 0;
 
+  // The selected items of a list that takes several, in index order. The current selection
+  // (GetCurSel) is the one the user took last.
+  virtual std::vector<i32> GetSelectedItems(i32 control) = 0;
+
   // Any control.
   virtual void SetMarquee(i32 control, bool on, u32 stepMilliseconds) = 0;
+  // A progress bar that shows `done` of `total` instead of running to and fro.
+  virtual void SetProgress(i32 control, u32 done, u32 total) = 0;
   virtual void SetText(i32 control, const char* text) = 0;
   // False when the control has no text to give.
   virtual bool GetText(i32 control, CStringBufferA& text) = 0;

@@ -10,7 +10,7 @@
 #include <QProgressBar>
 #include <QPushButton>
 
-#include "app/convert.h"
+#include "app/batch_worker.h"
 #include "app/file_list.h"
 #include "app/game_selection.h"
 #include "app/worker.h"
@@ -19,13 +19,14 @@
 
 namespace {
 
-QListView* MakeListView(QWidget* parent, ItemListModel* model) {
+QListView* MakeListView(QWidget* parent, ItemListModel* model,
+                        QAbstractItemView::SelectionMode mode = QAbstractItemView::SingleSelection) {
   auto* view = new QListView(parent);
   view->setModel(model);
   // Rows of one height let a list of many thousand items lay out at once.
   view->setUniformItemSizes(true);
   view->setEditTriggers(QAbstractItemView::NoEditTriggers);
-  view->setSelectionMode(QAbstractItemView::SingleSelection);
+  view->setSelectionMode(mode);
   return view;
 }
 
@@ -43,7 +44,8 @@ MainWindow::MainWindow(AppState& state) : app(state) {
 
   // In the template's order, which is also the tab order.
   auto* fileModel = new ItemListModel(true, this);
-  fileView = MakeListView(this, fileModel);
+  // Several actors may be selected for one Convert; the preview shows the one clicked last.
+  fileView = MakeListView(this, fileModel, QAbstractItemView::ExtendedSelection);
   fileView->setGeometry(units.ToPixels(6, 24, 258, 204));
   windowSystem.AddList(kFileList, fileModel, fileView);
 
@@ -60,6 +62,12 @@ MainWindow::MainWindow(AppState& state) : app(state) {
   convertButton = new QPushButton(QStringLiteral("Convert"), this);
   convertButton->setGeometry(units.ToPixels(222, 6, 42, 14));
   windowSystem.AddControl(kConvertButton, convertButton);
+
+  // Beside Convert, seen only while a conversion of several actors runs.
+  cancelButton = new QPushButton(QStringLiteral("Cancel"), this);
+  cancelButton->setGeometry(units.ToPixels(174, 6, 44, 14));
+  cancelButton->hide();
+  windowSystem.AddControl(kCancelButton, cancelButton);
 
   auto* gameModel = new ItemListModel(false, this);
   auto* gameCombo = new QComboBox(this);
@@ -99,7 +107,9 @@ MainWindow::MainWindow(AppState& state) : app(state) {
   QObject::connect(fileView->selectionModel(), &QItemSelectionModel::selectionChanged, this, [this] {
     if (!windowSystem.ChangingSelection()) OnFileSelected(app);
   });
-  QObject::connect(convertButton, &QPushButton::clicked, this, [this] { Convert(app, saveDialog, rigDialog); });
+  QObject::connect(convertButton, &QPushButton::clicked, this,
+                   [this] { OnConvertButton(app, saveDialog, rigDialog, folderDialog); });
+  QObject::connect(cancelButton, &QPushButton::clicked, this, [this] { OnCancelButton(app); });
   QObject::connect(searchButton, &QPushButton::clicked, this, [this] { SearchRequest(app); });
   QObject::connect(gameButton, &QPushButton::clicked, this, [this] { OnGameButton(app); });
 }

@@ -3,6 +3,7 @@
 #include <QWidget>
 
 #include "app/app_state.h"
+#include "ui/folder_dialog.h"
 #include "ui/qt_window_system.h"
 #include "ui/rig_dialog.h"
 #include "ui/save_dialog.h"
@@ -29,6 +30,7 @@ class MainWindow final : public QWidget {
   QListView& FileView() { return *fileView; }
   QLineEdit& SearchEdit() { return *searchEdit; }
   QPushButton& ConvertButton() { return *convertButton; }
+  QPushButton& CancelButton() { return *cancelButton; }
 
  protected:
   void closeEvent(QCloseEvent* event) override;
@@ -39,8 +41,10 @@ class MainWindow final : public QWidget {
   QtWindowSystem windowSystem;
   QtSaveDialog saveDialog{this};
   QtRigDialog rigDialog{this};
+  QtFolderDialog folderDialog{this};
   QListView* fileView = nullptr;
   QLineEdit* searchEdit = nullptr;
   QPushButton* convertButton = nullptr;
+  QPushButton* cancelButton = nullptr;
   RenderControl* renderControl = nullptr;  // owned by its container, a child of this window
 };

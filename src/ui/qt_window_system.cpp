@@ -10,6 +10,7 @@
 #include <QProgressBar>
 #include <QThread>
 #include <QTimer>
+#include <algorithm>
 #include <cstring>
 
 QtWindowSystem::QtWindowSystem() = default;
@@ -46,7 +47,11 @@ QWidget* QtWindowSystem::FindControl(i32 id) {
 
 i32 QtWindowSystem::Selection(const List& list) const {
   if (list.combo) return list.combo->currentIndex();
-  const QModelIndexList rows = list.view->selectionModel()->selectedRows();
+  // Of several selected items, the one clicked last: it is the current one.
+  const QItemSelectionModel* model = list.view->selectionModel();
+  const QModelIndex current = model->currentIndex();
+  if (current.isValid() && model->isSelected(current)) return current.row();
+  const QModelIndexList rows = model->selectedRows();
   return rows.isEmpty() ? kListError : rows.first().row();
 }
 
@@ -176,6 +181,28 @@ void QtWindowSystem::AddItems(i32 control, const ListItem* items, u32 count) {
     list->model->AddMany(items, count, selection);
     changingSelection = false;
     if (selection >= 0) Select(*list, selection);
+  });
+}
+
+std::vector<i32> QtWindowSystem::GetSelectedItems(i32 control) {
+  std::vector<i32> selected;
+  OnMain([&] {
+    const List* list = FindList(control);
+    if (!list || !list->view) return;
+    for (const QModelIndex& row : list->view->selectionModel()->selectedRows()) selected.push_back(row.row());
+    std::sort(selected.begin(), selected.end());
+  });
+  return selected;
+}
+
+void QtWindowSystem::SetProgress(i32 control, u32 done, u32 total) {
+  OnMain([&] {
+    auto* bar = qobject_cast<QProgressBar*>(FindControl(control));
+    if (!bar || total == 0) return;
+    // The bar counts in ints; a batch is far from their limit, but the scale keeps it so.
+    const double scale = total > 1000000 ? 1000000.0 / total : 1.0;
+    bar->setRange(0, int(total * scale));
+    bar->setValue(int(done * scale));
   });
 }
 

@@ -37,6 +37,8 @@ class QtWindowSystem final : public IWindowSystem {
   i32 GetCount(i32 control) override;
   void SetTopIndex(i32 control, i32 index) override;
   void AddItems(i32 control, const ListItem* items, u32 count) override;
+  std::vector<i32> GetSelectedItems(i32 control) override;
+  void SetProgress(i32 control, u32 done, u32 total) override;
   void SetMarquee(i32 control, bool on, u32 stepMilliseconds) override;
   void SetText(i32 control, const char* text) override;
   bool GetText(i32 control, CStringBufferA& text) override;

@@ -7,6 +7,7 @@
 #include <filesystem>
 #include <map>
 
+#include "app/batch_worker.h"
 #include "app/output_names.h"
 #include "app_fixture.h"
 #include "support/sample_game.h"
@@ -140,7 +141,7 @@ TEST_F(BatchConvert, AnUnansweredRigQuestionSkipsTheActorWithItsChoices) {
   for (size_t i = 0; i < actors.size(); ++i) {
     if (!actors[i].name.ends_with("scarecrow.adr")) continue;
     EXPECT_EQ(results[i].state, BatchState::kSkipped);
-    EXPECT_EQ(results[i].line, "several rigs fit; choose one with --rig: Idle ChildIdle");
+    EXPECT_EQ(results[i].line, "several rigs fit (Idle, ChildIdle); choose one with --rig NAME");
     EXPECT_FALSE(std::filesystem::exists(dir.Join("out/" + actors[i].output)));
   }
 }
@@ -156,6 +157,48 @@ TEST_F(BatchConvert, AStopLetsTheConversionsUnderWayEndWholeAndStartsNoOther) {
     EXPECT_EQ(path.find(".tmp"), std::string::npos) << "no temporary is left";
     EXPECT_EQ(bytes.substr(0, 18), "Kaydara FBX Binary") << path;
   }
+}
+
+struct Answers : ISaveDialog, IRigDialog, IFolderDialog {
+  bool AskSavePath(CStringBufferA&) override { return ++saves, false; }
+  i32 Run(const RigCandidate*, const RigSkeleton*&) override { return 0; }
+  bool AskFolder(CStringBufferA& path) override { return ++folders, path.Format("%s", folder.c_str()) > 0; }
+  std::string folder;
+  int saves = 0, folders = 0;
+};
+
+TEST_F(BatchConvert, TheWindowConvertsSeveralSelectedActorsOnAWorkerAndOneAsBefore) {
+  std::vector<i32> rows;
+  const std::vector<ListEntry> items = app.window.Snapshot(kFileList).items;
+  for (const char* name : {"actors\\crate.adr", "batch\\0\\broken.adr", "actors\\barrel.adr"}) {
+    for (size_t i = 0; i < items.size(); ++i) {
+      if (items[i].text == name) rows.push_back(i32(i));
+    }
+  }
+  ASSERT_EQ(rows.size(), 3u);
+  app.window.SelectItems(kFileList, rows);
+  (void)app.NewLog();
+  Answers answers;
+  answers.folder = dir.Join("window");
+  OnConvertButton(app.state, answers, answers, answers);
+  WaitForWorker(app.state);
+  EXPECT_EQ(answers.folders, 1);
+  EXPECT_EQ(answers.saves, 0);
+  EXPECT_EQ(app.NewLog(), (std::vector<std::string>{
+                              "Failed batch\\0\\broken.adr: Error parsing \"batch\\0\\broken.adr\".",
+                              "Converted 3 of 3 actors to " + answers.folder + ": 2 written, 1 failed, 0 skipped.",
+                          }));
+  EXPECT_TRUE(std::filesystem::exists(answers.folder + "/actors/barrel.fbx"));
+  EXPECT_TRUE(std::filesystem::exists(answers.folder + "/actors/crate.fbx"));
+  const auto bar = app.window.Snapshot(kProgressBar);
+  EXPECT_EQ(bar.progressDone, 3u);
+  EXPECT_EQ(bar.progressTotal, 3u);
+  EXPECT_FALSE(app.window.Snapshot(kCancelButton).visible) << "Cancel shows only while a batch runs";
+
+  app.window.SelectItems(kFileList, {rows[0]});
+  OnConvertButton(app.state, answers, answers, answers);
+  EXPECT_EQ(answers.saves, 1) << "one actor: the save dialog, as Convert always asked";
+  EXPECT_EQ(answers.folders, 1);
 }
 
 TEST(OutputNames, FoldersFromTheNameSafeComponentsAndNoSharedFile) {

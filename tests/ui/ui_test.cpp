@@ -212,6 +212,37 @@ TEST_F(DesktopTest, ConvertWritesTheSameFileAsTheCommandLine) {
   for (size_t i = 0; i < a.records.size(); ++i) ExpectSameRecords(a.records[i], b.records[i]);
 }
 
+TEST_F(DesktopTest, ConvertWithThreeSelectedWritesThemBelowAChosenFolder) {
+  Select("actors\\barrel.adr");
+  QListView& view = window.FileView();
+  for (const char* name : {"actors\\crate.adr", "actors\\wolf.adr"}) {
+    const QModelIndexList found = view.model()->match(view.model()->index(0, 0), Qt::DisplayRole, QString::fromUtf8(name),
+                                                      1, Qt::MatchExactly);
+    ASSERT_EQ(found.size(), 1) << name;
+    // A control-click: the item joins the selection and becomes the current one.
+    view.selectionModel()->setCurrentIndex(found.first(), QItemSelectionModel::Select);
+  }
+  const i32 logged = window.Window().GetCount(kLogList);
+  const std::string folder = dir.Join("three");
+  QDir().mkpath(QString::fromStdString(folder));
+  AnswerNextDialog<QFileDialog>([folder](QFileDialog& dialog) {
+    dialog.setDirectory(QString::fromStdString(folder));
+    dialog.selectFile(QString::fromStdString(folder));
+    static_cast<QDialog&>(dialog).accept();
+  });
+  window.ConvertButton().click();
+  ASSERT_TRUE(PumpUntil([&] { return !app.workerBusy && window.Window().GetCount(kLogList) > logged; }));
+  for (const char* file : {"/actors/barrel.fbx", "/actors/crate.fbx", "/actors/wolf.fbx"}) {
+    EXPECT_FALSE(ReadAll(folder + file).empty()) << file;
+  }
+  ASSERT_EQ(window.Window().GetCount(kLogList), logged + 1) << "one summary line";
+  char line[512] = {};
+  ASSERT_LT(window.Window().GetTextLength(kLogList, logged), 512);
+  window.Window().GetText(kLogList, logged, line);
+  EXPECT_EQ(std::string(line), "Converted 3 of 3 actors to " + folder + ": 3 written, 0 failed, 0 skipped.");
+  EXPECT_FALSE(window.CancelButton().isVisible());
+}
+
 TEST_F(DesktopTest, RigDialogListsTheFittingRigsSortedAndWantsASelection) {
   Select("actors\\scarecrow.adr");
   const std::string path = dir.Join("scarecrow.fbx");
