@@ -62,7 +62,7 @@ void ConvertBatch(AppState& app, const std::vector<BatchActor>& actors, const st
   settings.outDir = outDir;
   settings.jobs = ProcessorCount();
   settings.rigHint = "convert it alone to choose";
-  settings.convert.quiet = true;
+  settings.convert.batch = true;
   WindowProgress progress(app, u32(actors.size()));
   std::vector<BatchActorResult> results;
   const BatchSummary summary = RunBatch(GameTables{app.packIndex, app.materials, app.rigs}, actors, settings,

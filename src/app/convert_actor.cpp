@@ -64,7 +64,7 @@ void ExportActor(const GameTables& game, const char* actorName, const ActorDefin
     outcome.result = ConvertResult::kCancelled;
     return;
   }
-  if (!WriteScene(state.fbxManager.get(), state.fbxScene, path.Text(), options.quiet)) {
+  if (!WriteScene(state.fbxManager.get(), state.fbxScene, path.Text(), options.batch)) {
     TStringBufferA<kSavePathSize> shown;
     DisplayPath(path.Text(), shown);
     return Fail(outcome, ConvertResult::kWriteFailed, "Failed to write \"%s\".", shown.Text());

@@ -48,7 +48,9 @@ struct ConvertQuestions {
 // What a conversion may be given beyond its actor.
 struct ConvertOptions {
   FbxCreationTimeSource creationTime = nullptr;  // the time written into the file; null: the clock
-  bool quiet = false;  // no writer messages on standard output, for many conversions at once
+  // One of many conversions at once: no writer messages on standard output, and the file is not
+  // flushed to disk on its own (the batch syncs once at its end).
+  bool batch = false;
 };
 
 // Converts the actor of `entry`, listed as `actorName`: reads its definition, model and palette

@@ -80,7 +80,7 @@ int RunBatchConvert(const CliOptions& options) {
   settings.outDir = options.outDir;
   settings.jobs = options.jobs ? options.jobs : ProcessorCount();
   settings.rig = options.rig;
-  settings.convert.quiet = true;
+  settings.convert.batch = true;
   CatchInterrupt();
   BatchProgress progress(stdout, isatty(STDOUT_FILENO) != 0, u32(actors.size()));
   std::vector<BatchActorResult> results;

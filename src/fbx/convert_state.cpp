@@ -63,7 +63,7 @@ bool FileStem(const char* text, CStringBufferA& out) {
   return true;
 }
 
-bool WriteScene(FbxManager* manager, FbxScene* scene, const char* path, bool quiet) {
+bool WriteScene(FbxManager* manager, FbxScene* scene, const char* path, bool batch) {
   FbxExporter* exporter = FbxExporter::Create(manager, "");
   if (!exporter) return false;
   const int format = manager->GetIOPluginRegistry()->GetNativeWriterFormat();
@@ -72,7 +72,7 @@ bool WriteScene(FbxManager* manager, FbxScene* scene, const char* path, bool qui
     for (const auto& option : kExportOptions) settings->SetBoolProp(option.name, option.value);
   }
   if (!exporter->Initialize(path, format, settings)) {
-    if (quiet) return false;
+    if (batch) return false;
     std::printf("Call to FbxExporter::Initialize() failed.\n");
     std::printf("Error returned: %s\n\n", exporter->GetStatus().GetErrorString());
     std::fflush(stdout);
@@ -81,7 +81,8 @@ bool WriteScene(FbxManager* manager, FbxScene* scene, const char* path, bool qui
   (void)exporter->SetFileExportVersion("FBX201200", FbxSceneRenamer::eNone);
   int major = 0, minor = 0, revision = 0;
   FbxManager::GetFileFormatVersion(major, minor, revision);
-  if (!quiet) {
+  exporter->SetFlushOnExport(!batch);
+  if (!batch) {
     std::printf("FBX file format version %d.%d.%d\n\n", major, minor, revision);
     std::fflush(stdout);
   }

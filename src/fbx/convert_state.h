@@ -38,5 +38,5 @@ bool FileStem(const char* text, CStringBufferA& out);
 
 // Writes `scene` to `path`. A path that can't be written prints two lines on standard output and
 // gives false, as does a failed export; the file format's version is printed before the export.
-// `quiet` prints nothing, for many writes at once.
-[[nodiscard]] bool WriteScene(FbxManager* manager, FbxScene* scene, const char* path, bool quiet = false);
+// `batch` prints nothing and leaves the flush to disk to the caller, for many writes at once.
+[[nodiscard]] bool WriteScene(FbxManager* manager, FbxScene* scene, const char* path, bool batch = false);

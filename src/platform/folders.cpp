@@ -1,7 +1,9 @@
 #include "platform/folders.h"
 
 #include <limits.h>
+#include <fcntl.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include <cerrno>
 
@@ -30,4 +32,14 @@ bool MakeFolders(const char* path) {
     if (!folder) return false;
     if (end) return true;
   }
+}
+
+bool SyncFileSystem(const char* path) {
+  char platformPath[PATH_MAX];
+  if (!path || !ToPlatformPath(path, platformPath, sizeof(platformPath))) return false;
+  const int fd = ::open(platformPath, O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+  if (fd < 0) return false;
+  const bool synced = ::syncfs(fd) == 0;
+  ::close(fd);
+  return synced;
 }

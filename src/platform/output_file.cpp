@@ -69,10 +69,10 @@ bool OutputFile::Write(const void* data, u64 size) {
   return true;
 }
 
-bool OutputFile::Commit() {
+bool OutputFile::Commit(bool flush) {
   if (fd < 0) return false;
   // On disk before it takes the target's place, so a crash leaves the old file or the whole new one.
-  if (fsync(fd) != 0) return Fail();
+  if (flush && fsync(fd) != 0) return Fail();
   const int closed = ::close(fd);
   fd = -1;
   if (closed != 0 || std::rename(temporary.Text(), target.Text()) != 0) return Fail();

@@ -17,8 +17,9 @@ class OutputFile {
   // folder doesn't exist or can't be written.
   [[nodiscard]] bool Open(const char* path);
   [[nodiscard]] bool Write(const void* data, u64 size);
-  // Flushes and renames the temporary over the target.
-  [[nodiscard]] bool Commit();
+  // Flushes and renames the temporary over the target. Without `flush` the data goes to disk when
+  // the system writes it back: for many files at once, whose writer syncs once at the end.
+  [[nodiscard]] bool Commit(bool flush = true);
   // Removes the temporary, if any.
   void Discard();
 

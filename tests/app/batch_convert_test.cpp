@@ -84,7 +84,7 @@ class BatchConvert : public testing::Test {
   GameTables Tables() { return {app.state.packIndex, app.state.materials, app.state.rigs}; }
 
   BatchSummary Run(const std::string& out, u32 jobs, const std::string& rig, IBatchObserver* observer = nullptr) {
-    BatchSettings settings{.outDir = dir.Join(out), .jobs = jobs, .rig = rig, .convert = {.creationTime = FixedTime, .quiet = true}};
+    BatchSettings settings{.outDir = dir.Join(out), .jobs = jobs, .rig = rig, .convert = {.creationTime = FixedTime, .batch = true}};
     return RunBatch(Tables(), actors, settings, observer, stop, results);
   }
 
@@ -124,7 +124,7 @@ TEST_F(BatchConvert, WritesTheSingleConversionsFilesWhateverTheJobsAndKeepsEachF
     single.path = dir.Join("single.fbx");
     ChildIdle rig;
     ConvertOutcome outcome;
-    ConvertActor(Tables(), *actor.entry, actor.name.c_str(), {single, rig}, outcome, {.creationTime = FixedTime, .quiet = true});
+    ConvertActor(Tables(), *actor.entry, actor.name.c_str(), {single, rig}, outcome, {.creationTime = FixedTime, .batch = true});
     ASSERT_TRUE(outcome.Written());
     const auto file = files.find(actor.output);
     ASSERT_NE(file, files.end()) << actor.output;

@@ -50,7 +50,7 @@ bool FbxExporter::Export(const FbxScene* scene, bool nonBlocking) {
     file.Discard();
     return false;
   }
-  if (!file.Write(bytes.Data(), bytes.Size()) || !file.Commit()) {
+  if (!file.Write(bytes.Data(), bytes.Size()) || !file.Commit(flush)) {
     status.SetError("Cannot write the file: %s", file.Error());
     return false;
   }

@@ -33,8 +33,11 @@ class FbxExporter final : public FbxObject, public FbxCreatable<FbxExporter> {
   // Writes `scene` and puts the file in place; the scene is not changed. Blocking only.
   [[nodiscard]] bool Export(const FbxScene* scene, bool nonBlocking = false);
   FbxStatus& GetStatus() { return status; }
+  // Whether Export flushes the file to disk before it takes its place (the default).
+  void SetFlushOnExport(bool flushFile) { flush = flushFile; }
 
  private:
   OutputFile file;
+  bool flush = true;
   FbxStatus status;
 };
