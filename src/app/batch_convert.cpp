@@ -3,6 +3,7 @@
 #include <strings.h>
 
 #include <mutex>
+#include <unordered_map>
 
 #include "platform/folders.h"
 #include "platform/parallel_for.h"
@@ -49,6 +50,30 @@ class BatchQuestions final : public IRigDialog, public ISaveDialog {
   bool folderFailed = false;
 };
 
+// The order in which the actors are taken: round the output folders, one actor of each in turn.
+// Actors of one folder lie together in the list, and the file system serialises the files made in
+// one folder; so the jobs work in different folders at once.
+std::vector<u32> FolderInterleavedOrder(const std::vector<BatchActor>& actors) {
+  std::vector<std::vector<u32>> folders;
+  std::unordered_map<std::string, size_t> folderIndex;
+  for (u32 i = 0; i < actors.size(); ++i) {
+    const std::string& output = actors[i].output;
+    const size_t slash = output.rfind('/');
+    const std::string folder = slash == std::string::npos ? std::string() : output.substr(0, slash);
+    const auto [at, added] = folderIndex.try_emplace(folder, folders.size());
+    if (added) folders.emplace_back();
+    folders[at->second].push_back(i);
+  }
+  std::vector<u32> order;
+  order.reserve(actors.size());
+  for (size_t round = 0; order.size() < actors.size(); ++round) {
+    for (const std::vector<u32>& folder : folders) {
+      if (round < folder.size()) order.push_back(folder[round]);
+    }
+  }
+  return order;
+}
+
 void Count(BatchSummary& summary, BatchState state) {
   switch (state) {
     case BatchState::kWritten: ++summary.written; break;
@@ -65,8 +90,10 @@ BatchSummary RunBatch(const GameTables& game, const std::vector<BatchActor>& act
   results.assign(actors.size(), BatchActorResult{});
   BatchSummary sofar;
   std::mutex report;
-  auto convert = [&](u32, u32 index) {
+  const std::vector<u32> order = FolderInterleavedOrder(actors);
+  auto convert = [&](u32, u32 item) {
     if (stop.load(std::memory_order_relaxed)) return;
+    const u32 index = order[item];
     const BatchActor& actor = actors[index];
     BatchActorResult& result = results[index];
     BatchQuestions questions(settings, actor);
@@ -88,6 +115,8 @@ BatchSummary RunBatch(const GameTables& game, const std::vector<BatchActor>& act
     if (observer) observer->ActorDone(actor, result, sofar);
   };
   ParallelFor(u32(actors.size()), settings.jobs, convert);
+  // The files were not flushed one by one; one flush puts them all on disk before the batch ends.
+  if (settings.convert.batch) (void)SyncFileSystem(settings.outDir.c_str());
   BatchSummary summary;
   for (const BatchActorResult& result : results) Count(summary, result.state);
   return summary;

@@ -16,7 +16,7 @@ std::string SafeComponent(std::string component) {
   for (char& c : component) {
     if (static_cast<unsigned char>(c) < 0x20 || c == 0x7F) c = '_';
   }
-  if (component.empty() || component[0] == '.') component.insert(0, "_");
+  if (component.empty() || component[0] == '.') component = std::string(1, '_').append(component);
   if (component.size() > kMaxComponentBytes) {
     size_t cut = kMaxComponentBytes;
     while (cut > 0 && (static_cast<unsigned char>(component[cut]) & 0xC0) == 0x80) --cut;  // inside a UTF-8 sequence
