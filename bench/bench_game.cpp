@@ -1,0 +1,31 @@
+#include "bench_game.h"
+
+#include <cstdio>
+#include <cstdlib>
+
+#include "support/temp_dir.h"
+
+namespace {
+
+struct BenchGame {
+  testsupport::TempDir dir;
+  testsupport::StressGameDesc desc;
+  BenchGame() {
+    std::string error;
+    if (!testsupport::BuildStressGame(dir.Path(), desc, &error)) {
+      std::fprintf(stderr, "bench game: %s\n", error.c_str());
+      std::abort();
+    }
+  }
+};
+
+BenchGame& Game() {
+  static BenchGame game;
+  return game;
+}
+
+}  // namespace
+
+const testsupport::StressGameDesc& BenchGameDesc() { return Game().desc; }
+std::string BenchGameData() { return Game().dir.Join("data"); }
+std::string BenchGameFolder() { return Game().dir.Join("game"); }
