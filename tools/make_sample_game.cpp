@@ -1,21 +1,26 @@
 // Writes the sample game below a folder, for trying the program on something whole without an
-// installed game.
+// installed game; with --stress, the benchmarks' stress game instead, for timing whole processes.
 #include <cstdio>
+#include <cstring>
 #include <string>
 
 #include "support/sample_game.h"
+#include "support/stress_game.h"
 
 int main(int argc, char** argv) {
-  if (argc != 2) {
-    std::fprintf(stderr, "usage: make-sample-game DIR\n");
+  const bool stress = argc == 3 && std::strcmp(argv[1], "--stress") == 0;
+  if (argc != 2 && !stress) {
+    std::fprintf(stderr, "usage: make-sample-game [--stress] DIR\n");
     return 1;
   }
+  const std::string dir = argv[argc - 1];
   std::string error;
-  if (!testsupport::BuildSampleGame(argv[1], &error)) {
+  const bool built = stress ? testsupport::BuildStressGame(dir, {}, &error) : testsupport::BuildSampleGame(dir, &error);
+  if (!built) {
     std::fprintf(stderr, "make-sample-game: %s\n", error.c_str());
     return 1;
   }
-  const testsupport::SampleGamePaths paths = testsupport::SampleGameLayout(argv[1]);
+  const testsupport::SampleGamePaths paths = testsupport::SampleGameLayout(dir);
   std::printf("game:   %s\n", paths.game.c_str());
   std::printf("digest: %s\n", paths.digest.c_str());
   std::printf("Run the program with XDG_DATA_HOME=%s to find it as \"Aldermoor\".\n", paths.userData.c_str());
