@@ -2,8 +2,8 @@
 
 #include <cmath>
 
-#include "core/hash.h"
 #include "gamedata/actor_files.h"
+#include "gamedata/material_textures.h"
 #include "mesh/preview_mesh.h"
 
 namespace {
@@ -13,19 +13,6 @@ constexpr f32 kNearPlane = 0.1f;
 constexpr f32 kFarPlane = 50.0f;
 constexpr f32 kBallRadius = 0.9f;
 constexpr f32 kClearColour[4] = {0.75f, 0.75f, 0.75f, 1.0f};
-
-// The texture that a material names for `parameterName`, or null. Only the first parameter with
-// that name counts, and it must be a texture reference.
-const char* FindTextureName(const char* parameterName, const ModelMaterial& material) {
-  const u32 hash = HashKey(parameterName);
-  for (const MaterialParameter& parameter : material.parameters) {
-    if (parameter.semanticHash != hash) continue;
-    if (!parameter.IsTextureReference() || parameter.ReferencedHash() == 0 || !material.owner) return nullptr;
-    const MaterialName* name = material.owner->FindName(parameter.ReferencedHash());
-    return name ? name->text.Text() : nullptr;
-  }
-  return nullptr;
-}
 
 }  // namespace
 
@@ -131,16 +118,8 @@ bool CRenderWindow::BuildDrawNode(const ModelMaterial& material, const ModelMesh
   DrawNode node;
   if (!device->CreateMesh(preview, node.mesh)) return false;
   node.indexCount = preview.indexCount;
-  for (const MaterialParameter& parameter : material.parameters) {
-    if (!parameter.IsTextureReference() || !material.owner) continue;
-    if (const MaterialName* texture = material.owner->FindName(parameter.ReferencedHash())) {
-      infoText.AppendFormat("%s\r\n", texture->text.Text());
-    }
-  }
-  // The catalogue spells the diffuse parameter both ways.
-  const char* diffuse = FindTextureName("baseDiffuse", material);
-  if (!diffuse) diffuse = FindTextureName("BaseDiffuse", material);
-  if (diffuse) node.texture = GetTexture(diffuse);
+  ForEachTextureName(material, [&](const char* texture) { infoText.AppendFormat("%s\r\n", texture); });
+  if (const char* diffuse = DiffuseTextureName(material)) node.texture = GetTexture(diffuse);
   DrawNode* slot = drawList.Append();
   if (!slot) {
     device->ReleaseMesh(node.mesh);
