@@ -169,5 +169,8 @@ bool ConvertMesh(ConvertState& state, const ExportMesh& exportMesh, u32 modelBon
       !AddSkin(state, *fbxMesh, exportMesh, modelBoneCount)) {
     return false;
   }
+  FbxNode** kept = state.meshNodes.Append();
+  if (!kept) return false;
+  *kept = node;
   return AddTriangles(*fbxMesh, exportMesh) && AddMaterial(state, *fbxMesh, *node, name.Text());
 }

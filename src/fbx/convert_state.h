@@ -24,6 +24,7 @@ struct ConvertState {
   FbxNode* rootNode = nullptr;    // the node everything hangs under, named after the actor
   TStringBufferA<48> name;        // the actor's base name
   TArray<u32> modelToRig;         // for each model bone its rig bone, or kNoRigBone
+  TArray<FbxNode*> meshNodes;     // each converted mesh's node, in mesh order
 };
 
 constexpr u32 kNoRigBone = 0xFFFFFFFF;

@@ -20,6 +20,8 @@ enum class FbxObjectKind : u8 {
   DocumentInfo,
   IOSettings,
   Exporter,
+  Texture,
+  Video,
 };
 
 // A value of an object that a file may carry. `IsModified` tells a value that was set from one left

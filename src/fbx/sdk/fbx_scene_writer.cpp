@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <string>
 
 #include "fbx/sdk/fbx_document.h"
 #include "fbx/sdk/fbx_mesh.h"
@@ -21,6 +22,7 @@ constexpr i32 kSkinVersion = 101;
 constexpr i32 kClusterVersion = 100;
 constexpr i32 kPoseVersion = 100;
 constexpr i32 kMaterialVersion = 102;
+constexpr i32 kTextureVersion = 202;
 constexpr f64 kSkinDeformAccuracy = 50;
 
 FbxRecord* FindChild(FbxRecord& record, const char* name) {
@@ -290,6 +292,48 @@ bool WriteMaterial(FbxRecord& objects, const FbxSurfacePhong& phong) {
          AddDoubleRow(*p, "Reflectivity", "double", "Number", "", {0});
 }
 
+// The name that records refer to an object by: "name\0\1Class", as in its own head.
+bool AddObjectName(FbxRecord* parent, const char* recordName, const FbxObject& object, const char* className) {
+  FbxRecord* record = parent ? parent->AddChild(recordName) : nullptr;
+  if (!record) return false;
+  const std::string name = std::string(object.GetName()) + std::string("\0\1", 2) + className;
+  return record->AddString(name.data(), u32(name.size()));
+}
+
+bool WriteVideo(FbxRecord& objects, const FbxVideo& video) {
+  FbxRecord* record = AddObject(objects, "Video", video, "Video", "Clip");
+  if (!record || !AddText(record, "Type", "Clip")) return false;
+  FbxRecord* p = record->AddChild("Properties70", true);
+  return p && AddStringRow(*p, "Path", "KString", "XRefUrl", "", video.GetFileName()) &&
+         AddStringRow(*p, "RelPath", "KString", "XRefUrl", "", video.GetRelativeFileName()) &&
+         AddInt(record, "UseMipMap", 0) && AddText(record, "Filename", video.GetFileName()) &&
+         AddText(record, "RelativeFilename", video.GetRelativeFileName());
+}
+
+bool WriteTexture(FbxRecord& objects, const FbxFileTexture& texture) {
+  const FbxVideo* video = texture.GetVideo();
+  FbxRecord* record = AddObject(objects, "Texture", texture, "Texture", "");
+  if (!video || !record || !AddText(record, "Type", "TextureVideoClip") || !AddInt(record, "Version", kTextureVersion) ||
+      !AddObjectName(record, "TextureName", texture, "Texture")) {
+    return false;
+  }
+  FbxRecord* p = record->AddChild("Properties70", true);
+  if (!p || !AddStringRow(*p, "UVSet", "KString", "", "", texture.GetUVSet()) ||
+      !AddIntRow(*p, "UseMaterial", "bool", "", "", 1) || !AddObjectName(record, "Media", *video, "Video") ||
+      !AddText(record, "FileName", video->GetFileName()) ||
+      !AddText(record, "RelativeFilename", video->GetRelativeFileName())) {
+    return false;
+  }
+  // Each child is filled before the next is added: adding one may move the others.
+  FbxRecord* translation = record->AddChild("ModelUVTranslation");
+  if (!translation || !translation->AddDouble(0) || !translation->AddDouble(0)) return false;
+  FbxRecord* scaling = record->AddChild("ModelUVScaling");
+  if (!scaling || !scaling->AddDouble(1) || !scaling->AddDouble(1)) return false;
+  if (!AddText(record, "Texture_Alpha_Source", "None")) return false;
+  FbxRecord* cropping = record->AddChild("Cropping");
+  return cropping && cropping->AddInt32(0) && cropping->AddInt32(0) && cropping->AddInt32(0) && cropping->AddInt32(0);
+}
+
 // Every object the file holds, by id, which is the order they were made in.
 class SceneObjects {
  public:
@@ -328,7 +372,7 @@ class SceneObjects {
       (void)stack.SetSize(stack.Count() - 1);
       if (!Add(node) || !Add(node->GetNodeAttribute())) return false;
       for (u32 m = 0; m < node->GetMaterialCount(); ++m) {
-        if (!Add(node->GetMaterial(m))) return false;
+        if (!Add(node->GetMaterial(m)) || !AddTextures(*node->GetMaterial(m))) return false;
       }
       const FbxNodeAttribute* attribute = node->GetNodeAttribute();
       if (attribute && attribute->Kind() == FbxObjectKind::Mesh && !AddDeformers(static_cast<const FbxMesh&>(*attribute))) {
@@ -341,6 +385,12 @@ class SceneObjects {
       }
     }
     return true;
+  }
+
+  bool AddTextures(const FbxSurfaceMaterial& material) {
+    if (material.Kind() != FbxObjectKind::SurfacePhong) return true;
+    const FbxFileTexture* texture = static_cast<const FbxSurfacePhong&>(material).GetDiffuseTexture();
+    return !texture || (Add(texture) && Add(texture->GetVideo()));
   }
 
   bool AddDeformers(const FbxMesh& mesh) {
@@ -367,6 +417,8 @@ bool WriteObject(FbxRecord& objects, const FbxObject& object) {
     case FbxObjectKind::Cluster: return WriteCluster(objects, static_cast<const FbxCluster&>(object));
     case FbxObjectKind::Pose: return WritePose(objects, static_cast<const FbxPose&>(object));
     case FbxObjectKind::SurfacePhong: return WriteMaterial(objects, static_cast<const FbxSurfacePhong&>(object));
+    case FbxObjectKind::Texture: return WriteTexture(objects, static_cast<const FbxFileTexture&>(object));
+    case FbxObjectKind::Video: return WriteVideo(objects, static_cast<const FbxVideo&>(object));
     default: return true;
   }
 }
@@ -409,6 +461,17 @@ bool ConnectInto(FbxRecord& connections, const FbxObject& object) {
       const FbxNode* link = static_cast<const FbxCluster&>(object).GetLink();
       return !link || Connect(connections, link, id);
     }
+    case FbxObjectKind::SurfacePhong: {
+      // A texture goes onto the property it stands for, not onto the material as a whole.
+      const FbxFileTexture* texture = static_cast<const FbxSurfacePhong&>(object).GetDiffuseTexture();
+      FbxRecord* link = texture ? connections.AddChild("C") : nullptr;
+      return !texture || (link && link->AddString("OP") && link->AddInt64(texture->GetUniqueID()) &&
+                          link->AddInt64(id) && link->AddString("DiffuseColor"));
+    }
+    case FbxObjectKind::Texture: {
+      const FbxVideo* video = static_cast<const FbxFileTexture&>(object).GetVideo();
+      return !video || Connect(connections, video, id);
+    }
     default: return true;
   }
 }
@@ -424,7 +487,8 @@ bool WriteDefinitions(FbxRecord& definitions, const TArray<const FbxObject*>& ob
   };
   Type types[] = {{"Model", i32(FbxTemplate::Node), 0, 0},    {"NodeAttribute", i32(FbxTemplate::Skeleton), 0, 0},
                   {"Geometry", i32(FbxTemplate::Mesh), 0, 0}, {"Material", i32(FbxTemplate::SurfacePhong), 0, 0},
-                  {"Deformer", -1, 0, 0},                     {"Pose", -1, 0, 0}};
+                  {"Deformer", -1, 0, 0},                     {"Pose", -1, 0, 0},
+                  {"Texture", -1, 0, 0},                      {"Video", -1, 0, 0}};
   const auto typeOf = [](FbxObjectKind kind) -> i32 {
     switch (kind) {
       case FbxObjectKind::Node: return 0;
@@ -433,6 +497,8 @@ bool WriteDefinitions(FbxRecord& definitions, const TArray<const FbxObject*>& ob
       case FbxObjectKind::SurfacePhong: return 3;
       case FbxObjectKind::Skin: case FbxObjectKind::Cluster: return 4;
       case FbxObjectKind::Pose: return 5;
+      case FbxObjectKind::Texture: return 6;
+      case FbxObjectKind::Video: return 7;
       default: return -1;
     }
   };

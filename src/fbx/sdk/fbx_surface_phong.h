@@ -1,6 +1,7 @@
 #pragma once
 
 #include "fbx/sdk/fbx_node.h"
+#include "fbx/sdk/fbx_texture.h"
 
 // A Phong material. Only the diffuse colour is ever set; every other value stays at the default
 // that a file's template holds.
@@ -10,4 +11,11 @@ class FbxSurfacePhong final : public FbxSurfaceMaterial, public FbxCreatable<Fbx
 
   FbxPropertyT<FbxDouble3> Diffuse{FbxDouble3{0.8, 0.8, 0.8}};
   FbxPropertyT<f64> DiffuseFactor{1.0};
+
+  // The texture on the diffuse colour, which readers take over the colour; null for none.
+  void ConnectDiffuseTexture(FbxFileTexture* texture) { diffuseTexture = texture; }
+  const FbxFileTexture* GetDiffuseTexture() const { return diffuseTexture; }
+
+ private:
+  FbxFileTexture* diffuseTexture = nullptr;
 };
