@@ -100,6 +100,7 @@ BatchSummary RunBatch(const GameTables& game, const std::vector<BatchActor>& act
     ConvertOutcome outcome;
     ConvertActor(game, *actor.entry, actor.name.c_str(), {questions, questions}, outcome, settings.convert);
     result.result = outcome.result;
+    result.notes = std::move(outcome.notes);
     if (outcome.Written()) {
       result.state = BatchState::kWritten;
     } else if (!questions.choices.empty()) {

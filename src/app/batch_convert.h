@@ -21,6 +21,7 @@ struct BatchActorResult {
   BatchState state = BatchState::kNotStarted;
   ConvertResult result = ConvertResult::kCancelled;
   std::string line;  // the failure's log line, or the reason for a skip
+  std::vector<std::string> notes;  // what a written file had to leave out (textures)
 };
 
 struct BatchSettings {

@@ -16,6 +16,7 @@ class WindowProgress final : public IBatchObserver {
   WindowProgress(AppState& state, u32 count) : app(state), total(count) {}
   void ActorDone(const BatchActor& actor, const BatchActorResult& result, const BatchSummary& sofar) override {
     app.window->SetProgress(kProgressBar, sofar.written + sofar.failed + sofar.skipped, total);
+    for (const std::string& note : result.notes) Log(app, "%s: %s", actor.name.c_str(), note.c_str());
     if (result.state == BatchState::kWritten) return;
     std::string line = result.line;
     while (!line.empty() && line.back() == '\n') line.pop_back();  // one line in the log, whatever the format
@@ -30,10 +31,11 @@ class WindowProgress final : public IBatchObserver {
 
 }  // namespace
 
-void OnConvertButton(AppState& app, ISaveDialog& save, IRigDialog& rig, IFolderDialog& folder) {
+void OnConvertButton(AppState& app, ISaveDialog& save, IRigDialog& rig, IFolderDialog& folder,
+                     const ConvertOptions& options) {
   if (!Idle(app) || !app.ready) return;
   const std::vector<i32> selected = app.window->GetSelectedItems(kFileList);
-  if (selected.size() < 2) return Convert(app, save, rig);
+  if (selected.size() < 2) return Convert(app, save, rig, options);
   std::vector<BatchActor> actors;
   std::vector<std::string> names;
   for (i32 index : selected) {
@@ -50,12 +52,12 @@ void OnConvertButton(AppState& app, ISaveDialog& save, IRigDialog& rig, IFolderD
   const std::vector<std::string> outputs = OutputNames(names, ".fbx");
   for (size_t i = 0; i < actors.size(); ++i) actors[i].output = outputs[i];
   app.batchStop = false;
-  (void)StartBatchWorker(app, std::move(actors), path.Text());
+  (void)StartBatchWorker(app, std::move(actors), path.Text(), options.textures);
 }
 
 void OnCancelButton(AppState& app) { app.batchStop = true; }
 
-void ConvertBatch(AppState& app, const std::vector<BatchActor>& actors, const std::string& outDir) {
+void ConvertBatch(AppState& app, const std::vector<BatchActor>& actors, const std::string& outDir, bool textures) {
   app.window->Show(kCancelButton, true);
   app.window->SetProgress(kProgressBar, 0, u32(actors.size()));
   BatchSettings settings;
@@ -63,6 +65,9 @@ void ConvertBatch(AppState& app, const std::vector<BatchActor>& actors, const st
   settings.jobs = ProcessorCount();
   settings.rigHint = "convert it alone to choose";
   settings.convert.batch = true;
+  TextureStore store(false);
+  settings.convert.textures = textures;
+  settings.convert.textureStore = &store;
   WindowProgress progress(app, u32(actors.size()));
   std::vector<BatchActorResult> results;
   const BatchSummary summary = RunBatch(GameTables{app.packIndex, app.materials, app.rigs}, actors, settings,

@@ -10,11 +10,14 @@
 // The window's Convert button. With one actor selected (or none) it is Convert, exactly. With
 // several it asks `folder` for a folder and converts them below it on the convert worker, the
 // progress bar counting them and Cancel stopping them.
-void OnConvertButton(AppState& app, ISaveDialog& save, IRigDialog& rig, IFolderDialog& folder);
+// `options` as Convert takes them.
+void OnConvertButton(AppState& app, ISaveDialog& save, IRigDialog& rig, IFolderDialog& folder,
+                     const ConvertOptions& options = {});
 
 // Stops the running batch: the conversions under way end whole, no other starts.
 void OnCancelButton(AppState& app);
 
 // Convert worker: converts `actors` below `outDir` on every processor, logs a line for each actor
 // that fails or is skipped and one summary line at the end.
-void ConvertBatch(AppState& app, const std::vector<BatchActor>& actors, const std::string& outDir);
+// With `textures`, each actor's textures go beside its file, each decoded once for the batch.
+void ConvertBatch(AppState& app, const std::vector<BatchActor>& actors, const std::string& outDir, bool textures);

@@ -6,4 +6,5 @@
 // Writes the actor selected in the file list as an FBX file: reads its definition, model and
 // palette afresh, builds the scene with its rig, every mesh, and asks `save` for the path. Each
 // failure leaves one log line and no file; nothing selected, or no game, does nothing at all.
-void Convert(AppState& app, ISaveDialog& save, IRigDialog& rigDialog);
+// `options` turns on what goes beyond the model itself (textures).
+void Convert(AppState& app, ISaveDialog& save, IRigDialog& rigDialog, const ConvertOptions& options = {});

@@ -1,5 +1,6 @@
 #include "app/convert_actor.h"
 
+#include "app/actor_textures.h"
 #include "app/rig_choice.h"
 #include "assets/normalize_path.h"
 #include "fbx/convert_mesh.h"
@@ -57,6 +58,7 @@ bool BuildActorScene(ConvertState& state, const GameTables& game, const char* ac
 void ExportActor(const GameTables& game, const char* actorName, const ActorDefinition& actor, const ModelFile& model,
                  const ModelMaterials& materials, const ConvertQuestions& questions, ConvertOutcome& outcome,
                  const ConvertOptions& options) {
+  outcome.notes.clear();
   ConvertState state;
   if (!BuildActorScene(state, game, actorName, actor, model, materials, questions.rig, outcome, options)) return;
   TStringBufferA<kSavePathSize> path;
@@ -64,7 +66,15 @@ void ExportActor(const GameTables& game, const char* actorName, const ActorDefin
     outcome.result = ConvertResult::kCancelled;
     return;
   }
+  ActorTextures textures;
+  if (options.textures) {
+    TextureStore ownStore;
+    TextureStore& store = options.textureStore ? *options.textureStore : ownStore;
+    ExportActorTextures(state, materials, model.meshes.Count(), game.packs, path.Text(), store, textures);
+    outcome.notes = textures.notes;
+  }
   if (!WriteScene(state.fbxManager.get(), state.fbxScene, path.Text(), options.batch)) {
+    RemoveActorTextures(textures);  // a failed conversion leaves nothing behind
     TStringBufferA<kSavePathSize> shown;
     DisplayPath(path.Text(), shown);
     return Fail(outcome, ConvertResult::kWriteFailed, "Failed to write \"%s\".", shown.Text());

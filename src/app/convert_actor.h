@@ -1,6 +1,10 @@
 #pragma once
 
+#include <string>
+#include <vector>
+
 #include "app/convert_questions.h"
+#include "app/texture_store.h"
 #include "assets/pack_index.h"
 #include "fbx/convert_state.h"
 #include "fbx/sdk/fbx_object.h"
@@ -35,6 +39,7 @@ enum class ConvertResult {
 struct ConvertOutcome {
   ConvertResult result = ConvertResult::kCancelled;
   TStringBufferA<320> logLine;  // empty when written or cancelled
+  std::vector<std::string> notes;  // lines of a written file for what it had to leave out
 
   bool Written() const { return result == ConvertResult::kWritten; }
 };
@@ -51,6 +56,10 @@ struct ConvertOptions {
   // One of many conversions at once: no writer messages on standard output, and the file is not
   // flushed to disk on its own (the batch syncs once at its end).
   bool batch = false;
+  // Each mesh's textures written as PNG files in "<stem>.fbm/" beside the file, the diffuse one on
+  // its material. A batch shares one store, so that each texture is decoded once.
+  bool textures = false;
+  TextureStore* textureStore = nullptr;
 };
 
 // Converts the actor of `entry`, listed as `actorName`: reads its definition, model and palette

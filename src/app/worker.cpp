@@ -17,6 +17,7 @@ struct Task {
   TStringBufferA<128> filter;
   std::vector<BatchActor> actors;  // of a batch conversion
   std::string outDir;
+  bool textures = false;
 };
 
 void Frame(AppState& app, const Task& task) {
@@ -28,7 +29,7 @@ void Frame(AppState& app, const Task& task) {
     case WorkerKind::Load: LoadGame(app, task.row); break;
     case WorkerKind::List: ListWalk(app); break;
     case WorkerKind::Search: SearchWalk(app, task.filter.Text()); break;
-    case WorkerKind::Convert: ConvertBatch(app, task.actors, task.outDir); break;
+    case WorkerKind::Convert: ConvertBatch(app, task.actors, task.outDir, task.textures); break;
   }
   for (i32 id : kFrameControls) window.Enable(id, true);
   window.Show(kProgressBar, false);
@@ -78,12 +79,13 @@ bool StartWorker(AppState& app, WorkerKind kind, u32 row, const char* filter) {
   return Launch(app, std::move(task), kind == WorkerKind::Load ? "Initializing game data" : "Listing files...");
 }
 
-bool StartBatchWorker(AppState& app, std::vector<BatchActor> actors, std::string outDir) {
+bool StartBatchWorker(AppState& app, std::vector<BatchActor> actors, std::string outDir, bool textures) {
   TOwned<Task> task = Claim(app);
   if (!task) return false;
   task->kind = WorkerKind::Convert;
   task->actors = std::move(actors);
   task->outDir = std::move(outDir);
+  task->textures = textures;
   return Launch(app, std::move(task), "Converting...");
 }
 

@@ -56,7 +56,8 @@ void ParallelFor(u32 count, u32 maxWorkers, void (*body)(void*, u32, u32), void*
     if (pthread_create(&threads[started], nullptr, ThreadMain, &workers[started]) != 0) break;
     ++started;
   }
-  insideParallelFor = true;
+  // Alone, the caller leaves the processors to the work that its items split again.
+  insideParallelFor = started > 0;
   Drain(shared, 0);
   insideParallelFor = false;
   for (u32 i = 0; i < started; ++i) pthread_join(threads[i], nullptr);

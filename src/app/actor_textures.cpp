@@ -1,0 +1,83 @@
+#include "app/actor_textures.h"
+
+#include <algorithm>
+#include <filesystem>
+
+#include "app/output_names.h"
+#include "fbx/mesh_texture.h"
+#include "gamedata/material_textures.h"
+#include "platform/folders.h"
+#include "platform/parallel_for.h"
+
+namespace {
+
+std::string Note(TextureResult result, const std::string& name) {
+  switch (result) {
+    case TextureResult::kMissing: return "Texture \"" + name + "\" was not found.";
+    case TextureResult::kUndecodable: return "Texture \"" + name + "\" can't be decoded.";
+    case TextureResult::kUnwritable: return "Texture \"" + name + "\" can't be written.";
+    case TextureResult::kWritten: break;
+  }
+  return {};
+}
+
+// The file's stem: its name without folders and without what follows the last dot.
+std::string Stem(const std::filesystem::path& file) { return file.stem().string(); }
+
+}  // namespace
+
+void ExportActorTextures(ConvertState& state, const ModelMaterials& materials, u32 meshCount, const PackIndex& packs,
+                         const char* outputPath, TextureStore& store, ActorTextures& result) {
+  std::error_code ignored;
+  const std::filesystem::path output = std::filesystem::absolute(outputPath, ignored);
+  const std::string folderName = Stem(output) + ".fbm";
+  const std::filesystem::path folder = output.parent_path() / folderName;
+
+  // Each texture once, in the order the meshes name them.
+  std::vector<std::string> names;
+  const u32 meshes = meshCount < materials.materials.Count() ? meshCount : materials.materials.Count();
+  for (u32 i = 0; i < meshes; ++i) {
+    ForEachTextureName(materials.materials[i], [&](const char* name) {
+      if (std::find(names.begin(), names.end(), name) == names.end()) names.emplace_back(name);
+    });
+  }
+  if (names.empty()) return;
+  const std::vector<std::string> relative = OutputNames(names, ".png");
+  std::vector<TextureResult> results(names.size(), TextureResult::kUnwritable);
+  auto write = [&](u32, u32 t) {
+    const std::filesystem::path file = folder / relative[t];
+    if (MakeFolders(file.parent_path().c_str())) results[t] = store.Write(packs, names[t], file.string());
+  };
+  ParallelFor(u32(names.size()), ProcessorCount(), write);
+
+  for (size_t t = 0; t < names.size(); ++t) {
+    if (results[t] == TextureResult::kWritten) {
+      result.files.push_back((folder / relative[t]).string());
+    } else {
+      result.notes.push_back(Note(results[t], names[t]));
+    }
+  }
+  for (u32 i = 0; i < meshes; ++i) {
+    const char* diffuse = DiffuseTextureName(materials.materials[i]);
+    const size_t t = diffuse ? size_t(std::find(names.begin(), names.end(), diffuse) - names.begin()) : names.size();
+    if (t == names.size() || results[t] != TextureResult::kWritten) continue;
+    const std::string absolute = (folder / relative[t]).string();
+    const std::string fromOutput = folderName + "/" + relative[t];
+    if (!AddDiffuseTexture(state, i, Stem(relative[t]).c_str(), absolute.c_str(), fromOutput.c_str())) {
+      result.notes.push_back("Texture \"" + names[t] + "\" can't be put on its material.");
+    }
+  }
+}
+
+void RemoveActorTextures(const ActorTextures& textures) {
+  for (const std::string& file : textures.files) {
+    std::error_code ignored;
+    std::filesystem::remove(file, ignored);
+    // Folders go while they are empty, up to the .fbm folder itself.
+    for (std::filesystem::path folder = std::filesystem::path(file).parent_path();
+         std::filesystem::is_empty(folder, ignored) && !ignored; folder = folder.parent_path()) {
+      const bool last = folder.extension() == ".fbm";
+      if (!std::filesystem::remove(folder, ignored) || last) break;
+    }
+  }
+}

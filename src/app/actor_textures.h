@@ -1,0 +1,25 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "app/texture_store.h"
+#include "fbx/convert_state.h"
+#include "gamedata/model_file.h"
+
+// What the texture export of one actor did.
+struct ActorTextures {
+  std::vector<std::string> notes;  // one log line for each texture that was left out
+  std::vector<std::string> files;  // the files written, to be taken back if the model's file fails
+};
+
+// Writes every texture that the materials of the first `meshCount` meshes name as a PNG file in
+// "<stem>.fbm/" beside `outputPath` (each once, under a path made from its pack name), and puts
+// each mesh's diffuse texture on its material in `state`, by absolute path and by the path relative
+// to the output's folder. A texture that is missing, can't be decoded or written is left out with
+// a note; the rest goes on.
+void ExportActorTextures(ConvertState& state, const ModelMaterials& materials, u32 meshCount, const PackIndex& packs,
+                         const char* outputPath, TextureStore& store, ActorTextures& result);
+
+// Removes the files of `textures` and the folders they made, where empty.
+void RemoveActorTextures(const ActorTextures& textures);
