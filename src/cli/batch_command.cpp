@@ -81,6 +81,9 @@ int RunBatchConvert(const CliOptions& options) {
   settings.jobs = options.jobs ? options.jobs : ProcessorCount();
   settings.rig = options.rig;
   settings.convert.batch = true;
+  TextureStore textures(false);
+  settings.convert.textures = options.textures;
+  settings.convert.textureStore = &textures;
   CatchInterrupt();
   BatchProgress progress(stdout, isatty(STDOUT_FILENO) != 0, u32(actors.size()));
   std::vector<BatchActorResult> results;

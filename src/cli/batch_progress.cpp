@@ -47,6 +47,7 @@ void BatchProgress::ActorDone(const BatchActor& actor, const BatchActorResult& r
     if (result.state == BatchState::kWritten) std::fprintf(stream, " -> %s", actor.output.c_str());
     if (!result.line.empty()) std::fprintf(stream, ": %s", OneLine(result.line).c_str());
     std::fputc('\n', stream);
+    for (const std::string& note : result.notes) std::fprintf(stream, "  %s\n", note.c_str());
     return;
   }
   const auto now = std::chrono::steady_clock::now();
@@ -78,6 +79,14 @@ void PrintBatchSummary(std::FILE* stream, const std::vector<BatchActor>& actors,
       if (!heading) std::fprintf(stream, "%s:\n", state == BatchState::kFailed ? "Failed" : "Skipped");
       heading = true;
       std::fprintf(stream, "  %s: %s\n", actors[i].name.c_str(), OneLine(results[i].line).c_str());
+    }
+  }
+  bool heading = false;
+  for (size_t i = 0; i < actors.size(); ++i) {
+    for (const std::string& note : results[i].notes) {
+      if (!heading) std::fputs("Left out:\n", stream);
+      heading = true;
+      std::fprintf(stream, "  %s: %s\n", actors[i].name.c_str(), note.c_str());
     }
   }
 }

@@ -18,6 +18,7 @@ struct CliOptions {
   std::vector<std::string> arguments;  // every word after the command
   std::string outDir;    // convert --out-dir: converts every actor that a pattern matches
   u32 jobs = 0;          // convert --jobs: conversions at once; 0 for one per processor
+  bool textures = false;  // convert --textures: the textures as PNG files beside each file
 };
 
 class CliSession {

@@ -64,7 +64,9 @@ int RunConvert(const CliOptions& options) {
   RigAnswer rig(options.rig);
   PathAnswer save(options.output, rig);
   ConvertOutcome outcome;
-  ConvertActor(GameTables{app.packIndex, app.materials, app.rigs}, *entry, item->text.c_str(), {save, rig}, outcome);
+  ConvertActor(GameTables{app.packIndex, app.materials, app.rigs}, *entry, item->text.c_str(), {save, rig}, outcome,
+               {.textures = options.textures});
+  for (const std::string& note : outcome.notes) Log(app, "%s", note.c_str());
   if (outcome.logLine.Length()) Log(app, "%s", outcome.logLine.Text());
   switch (outcome.result) {
     case ConvertResult::kWritten:

@@ -13,14 +13,15 @@ constexpr const char* kUsage =
     "Commands:\n"
     "  games                          the installed games that were found\n"
     "  list [PATTERN]                 the actor definitions, sorted; PATTERN filters as the search box\n"
-    "  convert ACTOR -o FILE.fbx [--rig NAME]\n"
+    "  convert ACTOR -o FILE.fbx [--rig NAME] [--textures]\n"
     "                                 writes one actor; --rig picks the rig by animation set name\n"
     "                                 when several fit\n"
-    "  convert PATTERN... --out-dir DIR [--jobs N] [--rig NAME]\n"
+    "  convert PATTERN... --out-dir DIR [--jobs N] [--rig NAME] [--textures]\n"
     "                                 writes every actor that a pattern matches (as the search box\n"
     "                                 matches whole names: '*' is every actor) below DIR, N at once\n"
     "                                 (default: one per processor); an actor that needs a rig\n"
-    "                                 choice --rig doesn't answer is skipped\n"
+    "                                 choice --rig doesn't answer is skipped; --textures writes\n"
+    "                                 each file's textures as PNG files in FILE.fbm/ beside it\n"
     "\n"
     "Options:\n"
     "  --game NAME       the game to open (default: the first one found)\n"
@@ -69,6 +70,8 @@ int main(int argc, char** argv) {
       ok = take(options.output);
     } else if (arg == "--rig") {
       ok = take(options.rig);
+    } else if (arg == "--textures") {
+      options.textures = true;
     } else if (arg == "--out-dir") {
       ok = take(options.outDir);
     } else if (arg == "--jobs") {

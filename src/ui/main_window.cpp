@@ -1,5 +1,6 @@
 #include "ui/main_window.h"
 
+#include <QCheckBox>
 #include <QCloseEvent>
 #include <QComboBox>
 #include <QKeyEvent>
@@ -69,6 +70,10 @@ MainWindow::MainWindow(AppState& state) : app(state) {
   cancelButton->hide();
   windowSystem.AddControl(kCancelButton, cancelButton);
 
+  // In the free strip between the game selector and the log; off, Convert writes the model alone.
+  texturesCheck = new QCheckBox(QStringLiteral("Export textures"), this);
+  texturesCheck->setGeometry(units.ToPixels(6, 248, 100, 10));
+
   auto* gameModel = new ItemListModel(false, this);
   auto* gameCombo = new QComboBox(this);
   gameCombo->setModel(gameModel);
@@ -108,7 +113,7 @@ MainWindow::MainWindow(AppState& state) : app(state) {
     if (!windowSystem.ChangingSelection()) OnFileSelected(app);
   });
   QObject::connect(convertButton, &QPushButton::clicked, this,
-                   [this] { OnConvertButton(app, saveDialog, rigDialog, folderDialog); });
+                   [this] { OnConvertButton(app, saveDialog, rigDialog, folderDialog, {.textures = texturesCheck->isChecked()}); });
   QObject::connect(cancelButton, &QPushButton::clicked, this, [this] { OnCancelButton(app); });
   QObject::connect(searchButton, &QPushButton::clicked, this, [this] { SearchRequest(app); });
   QObject::connect(gameButton, &QPushButton::clicked, this, [this] { OnGameButton(app); });

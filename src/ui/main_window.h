@@ -8,6 +8,7 @@
 #include "ui/rig_dialog.h"
 #include "ui/save_dialog.h"
 
+class QCheckBox;
 class QLineEdit;
 class QListView;
 class QPushButton;
@@ -31,6 +32,7 @@ class MainWindow final : public QWidget {
   QLineEdit& SearchEdit() { return *searchEdit; }
   QPushButton& ConvertButton() { return *convertButton; }
   QPushButton& CancelButton() { return *cancelButton; }
+  QCheckBox& TexturesCheck() { return *texturesCheck; }
 
  protected:
   void closeEvent(QCloseEvent* event) override;
@@ -46,5 +48,6 @@ class MainWindow final : public QWidget {
   QLineEdit* searchEdit = nullptr;
   QPushButton* convertButton = nullptr;
   QPushButton* cancelButton = nullptr;
+  QCheckBox* texturesCheck = nullptr;
   RenderControl* renderControl = nullptr;  // owned by its container, a child of this window
 };
