@@ -70,11 +70,6 @@ std::vector<std::vector<PackFileEntry>> GameFiles() {
           {{"spare.mrn", spareRig}}};
 }
 
-std::string ReadFile(const std::string& path) {
-  std::ifstream in(path, std::ios::binary);
-  return std::string(std::istreambuf_iterator<char>(in), {});
-}
-
 struct RigChooser : IRigDialog {
   std::vector<std::string> shown;
   i32 Run(const RigCandidate* candidates, const RigSkeleton*& selected) override {
@@ -177,7 +172,7 @@ TEST(AppFlow, DiscoversLoadsListsSearchesAndConverts) {
     if (!c.written) continue;
     testsupport::FbxReadFile file;
     std::string error;
-    ASSERT_TRUE(testsupport::ReadFbxBinary(ReadFile(save.path), file, error)) << error;
+    ASSERT_TRUE(testsupport::ReadFbxBinary(testsupport::ReadFileBytes(save.path), file, error)) << error;
     u32 bones = 0;
     for (const auto& object : file.Record("Objects")->children) bones += object.name == "Model" && object.properties[2].bytes == "LimbNode";
     EXPECT_EQ(bones, c.bones);

@@ -20,21 +20,11 @@ constexpr u32 kCopies = 24;  // of the ten sample actors and six that fail: 384 
 
 FbxCreationTime FixedTime() { return {2026, 11, 24, 8, 0, 0, 0}; }
 
-std::string ReadAll(const std::string& path) {
-  std::string bytes;
-  if (std::FILE* file = std::fopen(path.c_str(), "rb")) {
-    char chunk[65536];
-    for (size_t n; (n = std::fread(chunk, 1, sizeof(chunk), file)) > 0;) bytes.append(chunk, n);
-    std::fclose(file);
-  }
-  return bytes;
-}
-
 // Every file below `dir`, by its path relative to it.
 std::map<std::string, std::string> Files(const std::string& dir) {
   std::map<std::string, std::string> files;
   for (const auto& entry : std::filesystem::recursive_directory_iterator(dir)) {
-    if (entry.is_regular_file()) files[std::filesystem::relative(entry.path(), dir).string()] = ReadAll(entry.path());
+    if (entry.is_regular_file()) files[std::filesystem::relative(entry.path(), dir).string()] = testsupport::ReadFileBytes(entry.path());
   }
   return files;
 }
@@ -128,7 +118,7 @@ TEST_F(BatchConvert, WritesTheSingleConversionsFilesWhateverTheJobsAndKeepsEachF
     ASSERT_TRUE(outcome.Written());
     const auto file = files.find(actor.output);
     ASSERT_NE(file, files.end()) << actor.output;
-    EXPECT_TRUE(file->second == ReadAll(single.path)) << "the batch's file differs from the single conversion's";
+    EXPECT_TRUE(file->second == testsupport::ReadFileBytes(single.path)) << "the batch's file differs from the single conversion's";
   }
 
   Run("one", 1, "ChildIdle");

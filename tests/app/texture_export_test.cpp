@@ -6,8 +6,6 @@
 
 #include <cstdio>
 #include <filesystem>
-#include <fstream>
-#include <sstream>
 
 #include "app/convert_actor.h"
 #include "preview/image_decode.h"
@@ -23,13 +21,6 @@ namespace {
 const std::vector<u8> kCorners = {255, 0, 0, 255, 0, 255, 0, 255, 0, 0, 255, 255, 255, 255, 255, 255};
 
 FbxCreationTime FixedTime() { return {2026, 11, 24, 9, 0, 0, 0}; }
-
-std::string ReadAll(const std::string& path) {
-  std::ifstream in(path, std::ios::binary);
-  std::stringstream all;
-  all << in.rdbuf();
-  return all.str();
-}
 
 bool Decode(const std::string& bytes, DecodedImage& image) {
   return DecodeImage(reinterpret_cast<const u8*>(bytes.data()), bytes.size(), image);
@@ -99,9 +90,9 @@ TEST_F(TextureExport, WritesEachTextureOnceAsPngWithItsPixelsAndLeavesOutWhatItC
   EXPECT_EQ(written, (std::vector<std::string>{"actor.fbm/tex/corners.png", "actor.fbm/tex/stone.png"}));
 
   DecodedImage png, source;
-  ASSERT_TRUE(Decode(ReadAll(dir.Join("out/actor.fbm/tex/corners.png")), png));
+  ASSERT_TRUE(Decode(testsupport::ReadFileBytes(dir.Join("out/actor.fbm/tex/corners.png")), png));
   EXPECT_EQ(std::vector<u8>(png.pixels.begin(), png.pixels.end()), kCorners) << "a PNG comes out exactly";
-  ASSERT_TRUE(Decode(ReadAll(dir.Join("out/actor.fbm/tex/stone.png")), png));
+  ASSERT_TRUE(Decode(testsupport::ReadFileBytes(dir.Join("out/actor.fbm/tex/stone.png")), png));
   ASSERT_TRUE(Decode(stoneDds, source));
   EXPECT_EQ(png.width, 4u);
   EXPECT_EQ(png.height, 2u);
@@ -111,13 +102,13 @@ TEST_F(TextureExport, WritesEachTextureOnceAsPngWithItsPixelsAndLeavesOutWhatItC
   // Without the option: the file of before, and no folder.
   const std::string plain = dir.Join("plain/actor.fbx");
   std::filesystem::create_directories(dir.Join("plain"));
-  const std::string withTextures = ReadAll(out);
+  const std::string withTextures = testsupport::ReadFileBytes(out);
   ASSERT_TRUE(Convert(plain, false).Written());
   EXPECT_FALSE(std::filesystem::exists(dir.Join("plain/actor.fbm")));
-  EXPECT_NE(ReadAll(plain), withTextures);
+  EXPECT_NE(testsupport::ReadFileBytes(plain), withTextures);
   testsupport::TempDir again;
   ASSERT_TRUE(Convert(again.Join("actor.fbx"), false).Written());
-  EXPECT_EQ(ReadAll(again.Join("actor.fbx")), ReadAll(plain));
+  EXPECT_EQ(testsupport::ReadFileBytes(again.Join("actor.fbx")), testsupport::ReadFileBytes(plain));
 }
 
 TEST_F(TextureExport, AssimpFindsEachMeshsDiffuseTextureFile) {

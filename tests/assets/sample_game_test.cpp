@@ -103,7 +103,7 @@ std::string DiffuseTexture(const ModelMaterial& material) {
 }
 
 TEST_F(SampleGame, TheDigestLeadsToPacksWhoseEveryFileReads) {
-  EXPECT_EQ(exporttest::ReadFile(paths.digest), paths.game) << "the bare path, no line end";
+  EXPECT_EQ(testsupport::ReadFileBytes(paths.digest), paths.game) << "the bare path, no line end";
 
   std::vector<std::string> actors, networks;
   index.Walk([&](const char* name, const PackEntry*) {
@@ -161,7 +161,7 @@ TEST_F(SampleGame, EveryActorConvertsWithTheRigItIsMeantToFind) {
     ASSERT_TRUE(WriteScene(state.fbxManager.get(), state.fbxScene, path.c_str()));
     testsupport::FbxReadFile fbx;
     std::string error;
-    EXPECT_TRUE(testsupport::ReadFbxBinary(exporttest::ReadFile(path), fbx, error)) << error;
+    EXPECT_TRUE(testsupport::ReadFbxBinary(testsupport::ReadFileBytes(path), fbx, error)) << error;
   }
 }
 

@@ -131,7 +131,7 @@ std::string Convert(LoadedActor& loaded, const testsupport::TempDir& dir, const 
   exporttest::RigDialog rigs;
   EXPECT_TRUE(exporttest::Convert(loaded, save, rigs));
   EXPECT_TRUE(rigs.shown.empty()) << "a rig named by the actor is never asked for";
-  return exporttest::ReadFile(save.path);
+  return testsupport::ReadFileBytes(save.path);
 }
 
 TEST(ExportRoundTrip, SkinnedActorValueByValue) {

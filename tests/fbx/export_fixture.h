@@ -3,13 +3,12 @@
 #include <gtest/gtest.h>
 
 #include <cstring>
-#include <fstream>
-#include <sstream>
 #include <string>
 #include <vector>
 
 #include "app/convert_actor.h"
 #include "support/skinned_actor.h"
+#include "support/temp_dir.h"
 
 // A skinned actor read from the bytes the test writers make, and a conversion of it run the way
 // the Convert command runs one.
@@ -20,13 +19,6 @@ inline CByteBuffer Bytes(const std::string& bytes) {
   EXPECT_TRUE(buffer.SetSize(u32(bytes.size())));
   if (!bytes.empty()) std::memcpy(buffer.Data(), bytes.data(), bytes.size());
   return buffer;
-}
-
-inline std::string ReadFile(const std::string& path) {
-  std::ifstream in(path, std::ios::binary);
-  std::stringstream all;
-  all << in.rdbuf();
-  return all.str();
 }
 
 struct LoadedActor {

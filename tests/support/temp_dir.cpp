@@ -6,6 +6,7 @@
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
+#include <iterator>
 
 namespace testsupport {
 
@@ -21,6 +22,11 @@ TempDir::~TempDir() {
 }
 
 std::string TempDir::Join(std::string_view name) const { return path + "/" + std::string(name); }
+
+std::string ReadFileBytes(const std::string& path) {
+  std::ifstream in(path, std::ios::binary);
+  return std::string(std::istreambuf_iterator<char>(in), {});
+}
 
 bool WriteFileBytes(const std::string& path, std::string_view bytes) {
   std::error_code error;

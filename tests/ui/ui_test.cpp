@@ -41,16 +41,6 @@ bool PumpUntil(const std::function<bool()>& done, int timeoutMs = 30000) {
   return true;
 }
 
-std::string ReadAll(const std::string& path) {
-  std::string bytes;
-  if (std::FILE* file = std::fopen(path.c_str(), "rb")) {
-    char chunk[65536];
-    for (size_t n; (n = std::fread(chunk, 1, sizeof(chunk), file)) > 0;) bytes.append(chunk, n);
-    std::fclose(file);
-  }
-  return bytes;
-}
-
 // Equal but for the time of writing, which the header and the footer carry.
 void ExpectSameRecords(const testsupport::FbxReadRecord& a, const testsupport::FbxReadRecord& b) {
   ASSERT_EQ(a.name, b.name);
@@ -206,8 +196,8 @@ TEST_F(DesktopTest, ConvertWritesTheSameFileAsTheCommandLine) {
 
   testsupport::FbxReadFile a, b;
   std::string error;
-  ASSERT_TRUE(testsupport::ReadFbxBinary(ReadAll(fromWindow), a, error)) << error;
-  ASSERT_TRUE(testsupport::ReadFbxBinary(ReadAll(fromCli), b, error)) << error;
+  ASSERT_TRUE(testsupport::ReadFbxBinary(testsupport::ReadFileBytes(fromWindow), a, error)) << error;
+  ASSERT_TRUE(testsupport::ReadFbxBinary(testsupport::ReadFileBytes(fromCli), b, error)) << error;
   ASSERT_EQ(a.records.size(), b.records.size());
   for (size_t i = 0; i < a.records.size(); ++i) ExpectSameRecords(a.records[i], b.records[i]);
 }
@@ -233,7 +223,7 @@ TEST_F(DesktopTest, ConvertWithThreeSelectedWritesThemBelowAChosenFolder) {
   window.ConvertButton().click();
   ASSERT_TRUE(PumpUntil([&] { return !app.workerBusy && window.Window().GetCount(kLogList) > logged; }));
   for (const char* file : {"/actors/barrel.fbx", "/actors/crate.fbx", "/actors/wolf.fbx"}) {
-    EXPECT_FALSE(ReadAll(folder + file).empty()) << file;
+    EXPECT_FALSE(testsupport::ReadFileBytes(folder + file).empty()) << file;
   }
   ASSERT_EQ(window.Window().GetCount(kLogList), logged + 1) << "one summary line";
   char line[512] = {};
@@ -263,7 +253,7 @@ TEST_F(DesktopTest, RigDialogListsTheFittingRigsSortedAndWantsASelection) {
   EXPECT_EQ(shown, (QStringList{QStringLiteral("ChildIdle"), QStringLiteral("Idle")}));
   EXPECT_TRUE(stayedOpen);
   EXPECT_TRUE(saved);
-  EXPECT_FALSE(ReadAll(path).empty());
+  EXPECT_FALSE(testsupport::ReadFileBytes(path).empty());
 }
 
 TEST_F(DesktopTest, ReturnInTheSearchEditSearchesOnReleaseWithoutTyping) {
