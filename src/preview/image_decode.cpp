@@ -33,8 +33,11 @@ void* StbReallocate(void* block, size_t oldSize, size_t newSize) {
 // bugs out of reach of whatever bytes a pack holds. stb's memory goes through our hooks like the
 // rest, so refused memory is a failed decode here too.
 #define STB_IMAGE_STATIC
-// stb_image inlined at -O3 trips the uninitialised-use analysis on its own context struct.
+// stb_image inlined at -O3 trips GCC's uninitialised-use analysis on its own context struct; clang
+// has no such warning.
+#if defined(__GNUC__) && !defined(__clang__)
 #pragma GCC diagnostic ignored "-Wmaybe-uninitialized"
+#endif
 #define STB_IMAGE_IMPLEMENTATION
 #define STBI_ONLY_PNG
 #define STBI_ONLY_JPEG
