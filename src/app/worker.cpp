@@ -38,8 +38,11 @@ void Frame(AppState& app, const Task& task) {
 
 void RunTask(void* context) {
   const TOwned<Task> task(static_cast<Task*>(context));
-  Frame(*task->app, *task);
-  task->app->workerBusy = false;
+  AppState& app = *task->app;
+  Frame(app, *task);
+  app.workerBusy = false;
+  // The main thread may be waiting for the end in Pump; without this it sees it only at its timeout.
+  app.window->Wake();
 }
 
 // The start that every kind shares, once its task is filled.

@@ -25,7 +25,8 @@ void HeadlessWindowSystem::OnMain(const std::function<void()>& work) {
 
 u32 HeadlessWindowSystem::ProcessPending(u32 timeoutMs) {
   std::unique_lock lock(mutex);
-  if (queue.empty() && timeoutMs) arrived.wait_for(lock, std::chrono::milliseconds(timeoutMs));
+  if (timeoutMs) arrived.wait_for(lock, std::chrono::milliseconds(timeoutMs), [&] { return !queue.empty() || woken; });
+  woken = false;
   u32 ran = 0;
   while (!queue.empty()) {
     Call* call = queue.front();
@@ -38,6 +39,12 @@ u32 HeadlessWindowSystem::ProcessPending(u32 timeoutMs) {
   }
   if (ran) finished.notify_all();
   return ran;
+}
+
+void HeadlessWindowSystem::Wake() {
+  const std::lock_guard lock(mutex);
+  woken = true;
+  arrived.notify_all();
 }
 
 i32 HeadlessWindowSystem::AddString(i32 control, const char* text) {

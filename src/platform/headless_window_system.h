@@ -56,6 +56,7 @@ class HeadlessWindowSystem final : public IWindowSystem {
   void Show(i32 control, bool show) override;
   void PostQuit(i32 code) override;
   void Pump(u32 timeoutMs) override { ProcessPending(timeoutMs); }
+  void Wake() override;
 
   // Main thread: runs the calls that other threads are waiting on. Waits up to `timeoutMs` for the
   // first when none is there yet; gives the number run.
@@ -88,4 +89,5 @@ class HeadlessWindowSystem final : public IWindowSystem {
   u32 listLimit = 0x7FFFFFFF;
   std::FILE* logEcho = nullptr;
   bool quit = false;
+  bool woken = false;  // a Wake not yet seen by ProcessPending
 };

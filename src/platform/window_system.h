@@ -81,4 +81,6 @@ class IWindowSystem {
   virtual void PostQuit(i32 code) = 0;
   // Main thread: serves the calls that workers wait on, waiting up to `timeoutMs` for one.
   virtual void Pump(u32 timeoutMs) = 0;
+  // Any thread: ends the wait of a Pump without a call to serve, as a worker does when it ends.
+  virtual void Wake() {}
 };

@@ -262,6 +262,11 @@ void QtWindowSystem::PostQuit(i32 code) {
   OnMain([&] { QCoreApplication::exit(code); });
 }
 
+void QtWindowSystem::Wake() {
+  // An empty call queued to the main thread is an event, and ends the wait in Pump.
+  QMetaObject::invokeMethod(&mainThreadObject, [] {}, Qt::QueuedConnection);
+}
+
 void QtWindowSystem::Pump(u32 timeoutMs) {
   // The timer bounds the wait when no call arrives.
   QTimer::singleShot(int(timeoutMs), &mainThreadObject, [] {});

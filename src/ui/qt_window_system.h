@@ -47,6 +47,7 @@ class QtWindowSystem final : public IWindowSystem {
   IRenderWindow* RenderWindow() override { return renderWindow; }
   void PostQuit(i32 code) override;
   void Pump(u32 timeoutMs) override;
+  void Wake() override;
 
  private:
   struct List {
