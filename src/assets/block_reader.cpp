@@ -21,9 +21,9 @@ const u8* BlockReader::Take(u32 n) {
   return bytes;
 }
 
-bool BlockReader::ReadU32BE(u32& out) {
-  const u8* p = Take(4);
-  if (!p) return false;
-  out = (u32(p[0]) << 24) | (u32(p[1]) << 16) | (u32(p[2]) << 8) | u32(p[3]);
+bool BlockReader::TakeReader(u32 n, ByteReader& out) {
+  const u8* bytes = Take(n);
+  if (!bytes) return false;
+  out = ByteReader(bytes, n);
   return true;
 }

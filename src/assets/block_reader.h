@@ -1,6 +1,7 @@
 #pragma once
 
 #include "core/byte_buffer.h"
+#include "core/byte_reader.h"
 #include "core/types.h"
 #include "platform/file_handle.h"
 
@@ -20,7 +21,8 @@ class BlockReader {
   // The next `n` bytes, in memory until the next call, and moves past them. Null when the file ends
   // first or memory is refused.
   const u8* Take(u32 n);
-  [[nodiscard]] bool ReadU32BE(u32& out);
+  // The next `n` bytes as a reader of their own, valid until the next call; false as Take.
+  [[nodiscard]] bool TakeReader(u32 n, ByteReader& out);
 
  private:
   bool Fill(u32 n);

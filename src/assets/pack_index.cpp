@@ -84,23 +84,30 @@ bool PackIndex::ReadDirectory(const FileHandle& file, CByteBuffer& block, CStrin
   u32 chunkOffset = 0;
   for (;;) {
     reader.Seek(chunkOffset);
+    ByteReader chunk(nullptr, 0);
     u32 nextChunk;
     u32 entryCount;
-    if (!reader.ReadU32BE(nextChunk) || !reader.ReadU32BE(entryCount) || !consume(kChunkHeaderSize)) return false;
+    if (!reader.TakeReader(kChunkHeaderSize, chunk) || !consume(kChunkHeaderSize)) return false;
+    (void)chunk.ReadU32BE(nextChunk);
+    (void)chunk.ReadU32BE(entryCount);
     for (u32 e = 0; e < entryCount; ++e) {
+      // The name's length, then the name and the three words behind it, taken as one record.
+      ByteReader entry(nullptr, 0);
       u32 nameLength;
-      if (!reader.ReadU32BE(nameLength) || nameLength == UINT32_MAX) return false;
-      if (!consume(u64(kEntryFixedSize) + nameLength)) return false;
-      const u8* nameBytes = reader.Take(nameLength);
-      if (!nameBytes || !name.Reserve(nameLength + 1)) return false;
-      std::memcpy(name.Data(), nameBytes, nameLength);
-      name.SetLength(nameLength);
+      if (!reader.TakeReader(sizeof(u32), entry) || !entry.ReadU32BE(nameLength)) return false;
+      if (nameLength > UINT32_MAX - kEntryFixedSize || !consume(u64(kEntryFixedSize) + nameLength)) return false;
+      const u8* nameBytes;
       u32 dataOffset;
       u32 dataSize;
-      u32 reserved;
-      if (!reader.ReadU32BE(dataOffset) || !reader.ReadU32BE(dataSize) || !reader.ReadU32BE(reserved)) {
+      if (!reader.TakeReader(nameLength + kEntryFixedSize - sizeof(u32), entry) || !entry.Take(nameLength, nameBytes) ||
+          !name.Reserve(nameLength + 1)) {
         return false;
       }
+      if (nameLength) std::memcpy(name.Data(), nameBytes, nameLength);
+      name.SetLength(nameLength);
+      // The reserved word behind these two is never interpreted.
+      (void)entry.ReadU32BE(dataOffset);
+      (void)entry.ReadU32BE(dataSize);
       // The last occurrence of a name decides its location, the first its place in the walk.
       PackEntry* slot = nullptr;
       CStringA key;

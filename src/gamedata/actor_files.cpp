@@ -1,6 +1,6 @@
 #include "gamedata/actor_files.h"
 
-#include "gamedata/byte_reader.h"
+#include "core/byte_reader.h"
 
 ActorFilesFailure ReadActorFiles(ActorFiles& files, const CByteBuffer& actorBytes, const PackIndex& packs,
                                  CByteBuffer& modelBytes, CByteBuffer& paletteBytes) {

@@ -6,7 +6,7 @@
 #include "core/byte_buffer.h"
 #include "core/types.h"
 #include "core/value_string.h"
-#include "gamedata/byte_reader.h"
+#include "core/byte_reader.h"
 
 // A model file (DMOD, version 4) and its material chunk (DMAT, version 1), which also stands alone
 // as a palette file. Both records are filled once by the readers below and not changed afterwards.

@@ -5,6 +5,8 @@
 #include <cstring>
 #include <utility>
 
+#include "core/byte_reader.h"
+
 namespace {
 
 static_assert(std::endian::native == std::endian::little, "records are loaded as they lie in the file");
@@ -132,54 +134,11 @@ constexpr char kInvalidIndex[] = "<INVALID INDEX>";
 // Granule of the chunk copies: they are short-lived, so no point in rounding them to pages.
 constexpr u32 kCopyGranule = 64;
 
-// -- Reading inside a chunk
-
-// Bounds-checked reads of one chunk's copied data at positions from the chunk's start. The first
-// read that falls outside fails the view; it and all later reads then give zeros, so records can be
-// read field by field and the view tested once. Positions are u64 sums of file words, which can't
-// wrap.
-class ChunkView {
- public:
-  ChunkView(const u8* bytes, u32 byteCount) : data(bytes), size(byteCount) {}
-
-  bool Failed() const { return failed; }
-
-  // Whether `count` records of `recordSize` bytes lie at `at`; fails the view if not.
-  bool Fits(u64 at, u64 count, u64 recordSize) {
-    if (failed) return false;
-    if (at > size || (recordSize && count > (size - at) / recordSize)) failed = true;
-    return !failed;
-  }
-
-  template <class T>
-  T Load(u64 at) {
-    T value{};
-    if (Fits(at, 1, sizeof(T))) std::memcpy(&value, data + at, sizeof(T));
-    return value;
-  }
-  u32 U32(u64 at) { return Load<u32>(at); }
-
-  // Text whose NUL lies inside the chunk; "" after a failure.
-  const char* Text(u64 at) {
-    if (!Fits(at, 1, 1)) return "";
-    if (!std::memchr(data + at, 0, size_t(size - at))) {
-      failed = true;
-      return "";
-    }
-    return reinterpret_cast<const char*>(data + at);
-  }
-
- private:
-  const u8* data;
-  u64 size;
-  bool failed = false;
-};
-
 class StringTable {
  public:
   // The offsets array must lie inside the chunk, which bounds `count` by the chunk's size before
   // anyone sizes a list by it.
-  StringTable(ChunkView& chunk, u64 at) : view(chunk), start(at), header(chunk.Load<StringTableHeader>(at)) {
+  StringTable(ByteReader& chunk, u64 at) : view(chunk), start(at), header(chunk.LoadAt<StringTableHeader>(at)) {
     if (!view.Fits(start + header.offsets, header.count, sizeof(u32))) header.count = 0;
   }
 
@@ -187,11 +146,11 @@ class StringTable {
 
   const char* String(u32 i) {
     if (i >= header.count) return kInvalidIndex;
-    return view.Text(start + header.chars + view.U32(start + header.offsets + u64(i) * sizeof(u32)));
+    return view.TextAt(start + header.chars + view.U32At(start + header.offsets + u64(i) * sizeof(u32)));
   }
 
  private:
-  ChunkView& view;
+  ByteReader& view;
   u64 start;
   StringTableHeader header;
 };
@@ -220,16 +179,16 @@ bool ParentsFormTrees(const TArray<RigBone>& bones) {
   return true;
 }
 
-bool ParseRig(ChunkView& view, u32 id, RigSkeleton& rig) {
+bool ParseRig(ByteReader& view, u32 id, RigSkeleton& rig) {
   rig.id = id;
-  const auto header = view.Load<RigHeader>(0);
+  const auto header = view.LoadAt<RigHeader>(0);
   const u64 poseHeaderAt = header.pose;
-  const u64 poseAt = poseHeaderAt + view.Load<PoseHeader>(poseHeaderAt).poseData;
-  const auto pose = view.Load<PoseData>(poseAt);
+  const u64 poseAt = poseHeaderAt + view.LoadAt<PoseHeader>(poseHeaderAt).poseData;
+  const auto pose = view.LoadAt<PoseData>(poseAt);
   if (pose.channelCount < kPoseChannels) return false;
   const u64 channelsAt = poseAt + pose.channels;
-  const u64 translationsAt = poseAt + view.U32(channelsAt);
-  const u64 rotationsAt = poseAt + view.U32(channelsAt + sizeof(u32));
+  const u64 translationsAt = poseAt + view.U32At(channelsAt);
+  const u64 rotationsAt = poseAt + view.U32At(channelsAt + sizeof(u32));
   const u64 parentsAt = header.hierarchy + kHierarchySkip;
   StringTable names(view, header.boneNames);
   // Every block must hold boneCount records before a bone is made, so a huge count fails here.
@@ -241,11 +200,11 @@ bool ParseRig(ChunkView& view, u32 id, RigSkeleton& rig) {
   if (!rig.bones.SetSize(pose.boneCount)) return false;
   for (u32 i = 0; i < pose.boneCount; ++i) {
     RigBone& bone = rig.bones[i];
-    const auto translation = view.Load<PoseRecord>(translationsAt + u64(i) * sizeof(PoseRecord));
-    const auto rotation = view.Load<PoseRecord>(rotationsAt + u64(i) * sizeof(PoseRecord));
+    const auto translation = view.LoadAt<PoseRecord>(translationsAt + u64(i) * sizeof(PoseRecord));
+    const auto rotation = view.LoadAt<PoseRecord>(rotationsAt + u64(i) * sizeof(PoseRecord));
     std::memcpy(bone.translation, translation.value, sizeof(bone.translation));
     std::memcpy(bone.rotation, rotation.value, sizeof(bone.rotation));
-    const i32 parent = view.Load<i32>(parentsAt + u64(i) * sizeof(i32));
+    const i32 parent = view.LoadAt<i32>(parentsAt + u64(i) * sizeof(i32));
     bone.parent = parent < 0 ? -1 : parent;
     bone.index = i;
     if (!bone.name.Assign(names.String(i))) return false;
@@ -256,42 +215,42 @@ bool ParseRig(ChunkView& view, u32 id, RigSkeleton& rig) {
 // -- Network definition
 
 // Each set's rig id sits in an attribute of the first node, found through that node's lookup record.
-bool ReadAnimSetNames(ChunkView& sets, ChunkView& definition, RigNetwork& network) {
-  StringTable table(sets, sets.U32(0));
+bool ReadAnimSetNames(ByteReader& sets, ByteReader& definition, RigNetwork& network) {
+  StringTable table(sets, sets.U32At(0));
   if (sets.Failed()) return false;
   if (table.Count() == 0) return true;
-  const auto header = definition.Load<NetworkDefinition>(0);
+  const auto header = definition.LoadAt<NetworkDefinition>(0);
   if (header.nodeCount == 0) return false;  // sets, but no node to find their rigs through
-  const u64 nodeAt = definition.U32(header.nodes);
-  const auto node = definition.Load<Node>(nodeAt);
+  const u64 nodeAt = definition.U32At(header.nodes);
+  const auto node = definition.LoadAt<Node>(nodeAt);
   const u64 lookupsAt = nodeAt + node.lookups;
   if (!definition.Fits(lookupsAt, node.lookupCount, sizeof(u32))) return false;
   // Without a record of the node's own type, the array's first word leads to the record, counted
   // from the array rather than from the node.
-  u64 recordAt = lookupsAt + definition.U32(lookupsAt);
+  u64 recordAt = lookupsAt + definition.U32At(lookupsAt);
   for (u32 k = 0; k < node.lookupCount; ++k) {
-    const u64 at = nodeAt + definition.U32(lookupsAt + u64(k) * sizeof(u32));
-    if (definition.U32(at) == node.typeId) {
+    const u64 at = nodeAt + definition.U32At(lookupsAt + u64(k) * sizeof(u32));
+    if (definition.U32At(at) == node.typeId) {
       recordAt = at;
       break;
     }
   }
-  const auto lookup = definition.Load<LookupRecord>(recordAt);
-  const u8 slot = definition.Load<u8>(recordAt + lookup.slots + kSlotOffset);
+  const auto lookup = definition.LoadAt<LookupRecord>(recordAt);
+  const u8 slot = definition.LoadAt<u8>(recordAt + lookup.slots + kSlotOffset);
   const u64 attributesAt = nodeAt + node.attributes;
   if (definition.Failed() || !network.animSetNames.SetSize(table.Count())) return false;
   for (u32 i = 0; i < table.Count(); ++i) {
     AnimSetName& set = network.animSetNames[i];
     const u64 record = u64(lookup.setStride) * i + slot;
-    const auto attribute = definition.Load<AttributeRecord>(attributesAt + record * sizeof(AttributeRecord));
-    set.id = definition.U32(nodeAt + attribute.attribute + kRigIdOffset);
+    const auto attribute = definition.LoadAt<AttributeRecord>(attributesAt + record * sizeof(AttributeRecord));
+    set.id = definition.U32At(nodeAt + attribute.attribute + kRigIdOffset);
     if (!set.name.Assign(table.String(i))) return false;
   }
   return !definition.Failed() && !sets.Failed();
 }
 
-bool ReadOtherNames(ChunkView& definition, RigNetwork& network) {
-  const auto header = definition.Load<NetworkDefinition>(0);
+bool ReadOtherNames(ByteReader& definition, RigNetwork& network) {
+  const auto header = definition.LoadAt<NetworkDefinition>(0);
   if (definition.Failed()) return false;
   if (header.nameTable != 0) {
     StringTable table(definition, header.nameTable);
@@ -309,10 +268,10 @@ bool ReadOtherNames(ChunkView& definition, RigNetwork& network) {
   if (definition.Failed() || !network.flaggedNodeNames.SetSize(header.flaggedNodeCount)) return false;
   u32 flagged = 0;
   for (u32 n = 0; n < header.nodeCount; ++n) {
-    const u64 nodeAt = definition.U32(header.nodes + u64(n) * sizeof(u32));
-    if (!(definition.Load<u8>(nodeAt + offsetof(Node, flags)) & kFlaggedNode)) continue;
+    const u64 nodeAt = definition.U32At(header.nodes + u64(n) * sizeof(u32));
+    if (!(definition.LoadAt<u8>(nodeAt + offsetof(Node, flags)) & kFlaggedNode)) continue;
     if (flagged == header.flaggedNodeCount) return false;  // more flagged nodes than the count says
-    const u16 nameIndex = definition.Load<u16>(nodeAt + offsetof(Node, nameIndex));
+    const u16 nameIndex = definition.LoadAt<u16>(nodeAt + offsetof(Node, nameIndex));
     if (!network.flaggedNodeNames[flagged++].Assign(names.String(nameIndex))) return false;
   }
   return !definition.Failed();
@@ -325,11 +284,11 @@ bool ReadOtherNames(ChunkView& definition, RigNetwork& network) {
 // first data bytes; every step still moves on by a header's size, so the walk ends.
 template <class Visit>
 bool WalkChunks(const CByteBuffer& bytes, Visit visit) {
+  ByteReader file(bytes);
   const u64 size = bytes.Size();
   u64 position = 0;
   while (size - position >= sizeof(ChunkHeader)) {
-    ChunkHeader header;
-    std::memcpy(&header, bytes.Data() + position, sizeof(header));
+    const auto header = file.LoadAt<ChunkHeader>(position);
     position += sizeof(header);
     if (header.alignment != 0) {
       const u64 aligned = (position + header.alignment - 1) / header.alignment * header.alignment;
@@ -349,10 +308,8 @@ bool IsCopied(u32 type) {
     case kNetworkDefinitionChunk:
     case kHeldChunk13:
     case kAnimSetChunk:
-    case kCopiedChunk15:
-      return true;
-    default:
-      return false;
+    case kCopiedChunk15: return true;
+    default: return false;
   }
 }
 
@@ -383,7 +340,7 @@ bool ReadChunks(RigNetwork& network, const CByteBuffer& bytes) {
     switch (header.type) {
       case kRigChunk: {
         if (nextRig >= network.rigs.Count()) return false;
-        ChunkView view(copy.Data(), header.dataSize);
+        ByteReader view(copy.Data(), header.dataSize);
         return ParseRig(view, header.id, network.rigs[nextRig++]);
       }
       case kNetworkDefinitionChunk:
@@ -394,14 +351,13 @@ bool ReadChunks(RigNetwork& network, const CByteBuffer& bytes) {
         haveAnimSets = true;
         animSetsSize = header.dataSize;
         return true;
-      default:
-        return true;
+      default: return true;
     }
   });
   if (!walked) return false;
 
-  ChunkView definitionView(definition.Data(), definitionSize);
-  ChunkView animSetsView(animSets.Data(), animSetsSize);
+  ByteReader definitionView(definition.Data(), definitionSize);
+  ByteReader animSetsView(animSets.Data(), animSetsSize);
   if (haveDefinition && haveAnimSets && !ReadAnimSetNames(animSetsView, definitionView, network)) return false;
   return !haveDefinition || ReadOtherNames(definitionView, network);
 }
@@ -416,10 +372,9 @@ void Empty(RigNetwork& network) {
 }  // namespace
 
 bool IsRigNetwork(const CByteBuffer& bytes) {
-  if (bytes.Size() < sizeof(ChunkHeader)) return false;
-  ChunkHeader header;
-  std::memcpy(&header, bytes.Data(), sizeof(header));
-  return header.tag0 == kChunkTag0 && header.tag1 == kChunkTag1;
+  ByteReader file(bytes);
+  const auto header = file.LoadAt<ChunkHeader>(0);
+  return !file.Failed() && header.tag0 == kChunkTag0 && header.tag1 == kChunkTag1;
 }
 
 bool Read(RigNetwork& network, const CByteBuffer& bytes) {

@@ -4,12 +4,15 @@
 #include <cstring>
 #include <utility>
 
+#include "core/byte_reader.h"
+
 namespace {
 
 constexpr u32 kHeaderSize = 124;
-constexpr size_t kHeaderStart = 4;                      // after the magic
+constexpr size_t kHeaderStart = 4;  // after the magic
 constexpr size_t kDataStart = kHeaderStart + kHeaderSize;
 constexpr size_t kExtendedHeaderSize = 20;
+constexpr u64 kPixelFormatStart = kHeaderStart + 72;
 // Larger textures are surely not what a game previews; the cap also keeps every size below in u32.
 constexpr u32 kMaxDimension = 16384;
 
@@ -23,12 +26,6 @@ constexpr u32 kLuminance = 0x20000;
 constexpr u32 FourCC(const char (&code)[5]) {
   return u32(u8(code[0])) | u32(u8(code[1])) << 8 | u32(u8(code[2])) << 16 | u32(u8(code[3])) << 24;
 }
-
-u32 ReadU32(const u8* at) {
-  return u32(at[0]) | u32(at[1]) << 8 | u32(at[2]) << 16 | u32(at[3]) << 24;
-}
-
-u16 ReadU16(const u8* at) { return u16(at[0] | at[1] << 8); }
 
 enum class Layout { kMasks, kBc1, kBc2, kBc3, kBc4, kBc5 };
 
@@ -82,13 +79,14 @@ bool FormatOfDxgi(u32 number, Format& format) {
 
 // A bit-mask layout. Masks must fit in the pixel, and at least the channels the flags name must
 // have one, so that a blank pixel format is not taken for black.
-bool FormatOfMasks(const u8* pf, Format& format) {
-  const u32 flags = ReadU32(pf + 4);
-  const u32 bitCount = ReadU32(pf + 12);
+bool FormatOfMasks(ByteReader& file, Format& format) {
+  const u64 pf = kPixelFormatStart;
+  const u32 flags = file.U32At(pf + 4);
+  const u32 bitCount = file.U32At(pf + 12);
   if (bitCount != 8 && bitCount != 16 && bitCount != 24 && bitCount != 32) return false;
   format.bytesPerPixel = bitCount / 8;
-  const u32 r = ReadU32(pf + 16), g = ReadU32(pf + 20), b = ReadU32(pf + 24);
-  const u32 a = (flags & (kAlphaPixels | kAlphaOnly)) ? ReadU32(pf + 28) : 0;
+  const u32 r = file.U32At(pf + 16), g = file.U32At(pf + 20), b = file.U32At(pf + 24);
+  const u32 a = (flags & (kAlphaPixels | kAlphaOnly)) ? file.U32At(pf + 28) : 0;
   if (flags & kRgb) {
     if ((r | g | b) == 0) return false;
     format.masks[0] = r, format.masks[1] = g, format.masks[2] = b;
@@ -110,15 +108,14 @@ bool FormatOfMasks(const u8* pf, Format& format) {
 
 // Reads the pixel format, and the DX10 header after the main one when there is one. `dataStart` is
 // where the top level begins.
-bool ReadFormat(const u8* bytes, size_t size, Format& format, size_t& dataStart) {
-  const u8* pf = bytes + kHeaderStart + 72;
+bool ReadFormat(ByteReader& file, Format& format, size_t& dataStart) {
   dataStart = kDataStart;
-  if (!(ReadU32(pf + 4) & kFourCC)) return FormatOfMasks(pf, format);
-  const u32 code = ReadU32(pf + 8);
-  if (code != FourCC("DX10")) return FormatOfFourCC(code, format);
-  if (size < kDataStart + kExtendedHeaderSize) return false;
+  if (!(file.U32At(kPixelFormatStart + 4) & kFourCC)) return FormatOfMasks(file, format) && !file.Failed();
+  const u32 code = file.U32At(kPixelFormatStart + 8);
+  if (code != FourCC("DX10")) return FormatOfFourCC(code, format) && !file.Failed();
   dataStart = kDataStart + kExtendedHeaderSize;
-  return FormatOfDxgi(ReadU32(bytes + kDataStart), format);
+  const u32 dxgiFormat = file.U32At(kDataStart);
+  return !file.Failed() && file.Fits(dataStart, 0, 1) && FormatOfDxgi(dxgiFormat, format);
 }
 
 // Channel `mask` of `pixel` scaled to 0..255, rounded to nearest.
@@ -155,7 +152,7 @@ void Expand565(u16 c, u8* rgb) {
 // The colour half of BC1, BC2 and BC3. Only BC1 has the 3-colour mode with transparent black
 // (c0 <= c1); the other two always interpolate four colours. Alpha is left alone otherwise.
 void DecodeColourBlock(const u8* in, bool allowThreeColour, Block& out) {
-  const u16 c0 = ReadU16(in), c1 = ReadU16(in + 2);
+  const u16 c0 = LoadU16LE(in), c1 = LoadU16LE(in + 2);
   u8 palette[4][4] = {};
   Expand565(c0, palette[0]);
   Expand565(c1, palette[1]);
@@ -172,7 +169,7 @@ void DecodeColourBlock(const u8* in, bool allowThreeColour, Block& out) {
   }
   for (int i = 0; i < 4; ++i) palette[i][3] = 255;
   if (threeColour) palette[3][3] = 0;
-  const u32 indices = ReadU32(in + 4);
+  const u32 indices = LoadU32LE(in + 4);
   for (int p = 0; p < 16; ++p) {
     const u8* colour = palette[(indices >> (2 * p)) & 3];
     if (allowThreeColour) {
@@ -245,15 +242,17 @@ void DecodeBlocks(const u8* data, Layout layout, u32 width, u32 height, u8* out)
 
 bool DecodeDds(const u8* bytes, size_t size, DecodedImage& image) {
   image = DecodedImage{};
-  if (!bytes || size < kDataStart || std::memcmp(bytes, "DDS ", 4) != 0) return false;
-  if (ReadU32(bytes + kHeaderStart) != kHeaderSize) return false;
-  const u32 height = ReadU32(bytes + kHeaderStart + 8);
-  const u32 width = ReadU32(bytes + kHeaderStart + 12);
+  // Pack entries are below 4 GiB; anything larger is not a texture of theirs.
+  if (!bytes || size < kDataStart || size > UINT32_MAX || std::memcmp(bytes, "DDS ", 4) != 0) return false;
+  ByteReader file(bytes, u32(size));
+  if (file.U32At(kHeaderStart) != kHeaderSize) return false;
+  const u32 height = file.U32At(kHeaderStart + 8);
+  const u32 width = file.U32At(kHeaderStart + 12);
   if (width == 0 || height == 0 || width > kMaxDimension || height > kMaxDimension) return false;
 
   Format format;
   size_t dataStart = 0;
-  if (!ReadFormat(bytes, size, format, dataStart)) return false;
+  if (!ReadFormat(file, format, dataStart)) return false;
   // The level's size comes from the dimensions and the format; the header's pitch is not trusted.
   u64 levelBytes = 0;
   if (format.layout == Layout::kMasks) {

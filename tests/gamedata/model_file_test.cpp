@@ -96,21 +96,6 @@ ModelDesc Describe(const ModelFile& model) {
   return desc;
 }
 
-TEST(ByteReader, AFailedReadMovesNothingAndGivesZeros) {
-  ExactBytes file(std::string("\x01\x02\x03\x04\x05\x06", 6));
-  ByteReader reader(file.buffer);
-  u32 value = 7;
-  ASSERT_TRUE(reader.ReadU32(value));
-  EXPECT_EQ(value, 0x04030201u);
-  EXPECT_FALSE(reader.ReadU32(value));
-  EXPECT_EQ(value, 0u);
-  u8 out[3] = {9, 9, 9};
-  EXPECT_FALSE(reader.ReadBytes(out, 3));
-  EXPECT_EQ(out[0] | out[1] | out[2], 0);
-  EXPECT_FALSE(reader.Skip(0xFFFFFFFF)) << "a size that would wrap the position";
-  EXPECT_EQ(reader.Position(), 4u);
-}
-
 TEST(ModelFile, WellFormedFilesReadAsWritten) {
   // What `materials` holds before each read; a model without a chunk must leave it so.
   const PaletteDesc before{.names = {"earlier"}, .materials = {{.materialKey = 99}}};
