@@ -1,5 +1,7 @@
 #include "core/utf8.h"
 
+#include <bit>
+
 namespace {
 
 constexpr char32_t kReplacement = 0xFFFD;
@@ -37,29 +39,18 @@ void PutUtf8(UnitSink<char>& sink, char32_t c) {
   }
 }
 
-// Strict UTF-8 (no overlong forms, no surrogates, nothing past U+10FFFF); advances `p` past the
-// sequence, or past its longest valid prefix when it is ill-formed.
+// Strict UTF-8: DecodeUtf8 with only the lead bytes of sequences up to U+10FFFF (an ill-formed
+// lead takes one byte) and nothing past U+10FFFF. Advances `p` past what was taken.
 char32_t NextStrictUtf8(const unsigned char*& p) {
-  const unsigned lead = *p++;
-  if (lead < 0x80) return lead;
-  int more;
-  char32_t c;
-  char32_t low;
-  if (lead >= 0xC2 && lead <= 0xDF) {
-    more = 1, c = lead & 0x1F, low = 0x80;
-  } else if (lead >= 0xE0 && lead <= 0xEF) {
-    more = 2, c = lead & 0x0F, low = 0x800;
-  } else if (lead >= 0xF0 && lead <= 0xF4) {
-    more = 3, c = lead & 0x07, low = 0x10000;
-  } else {
+  const unsigned lead = *p;
+  if (lead >= 0x80 && (lead < 0xC2 || lead > 0xF4)) {
+    ++p;
     return kReplacement;
   }
-  for (int i = 0; i < more; ++i) {
-    if ((*p & 0xC0) != 0x80) return kReplacement;
-    c = (c << 6) | (*p++ & 0x3F);
-  }
-  if (c < low || c > 0x10FFFF || (c >= 0xD800 && c <= 0xDFFF)) return kReplacement;
-  return c;
+  u32 size;
+  const u32 code = DecodeUtf8(reinterpret_cast<const char*>(p), size);
+  p += size;
+  return code > 0x10FFFF ? kReplacement : code;
 }
 
 }  // namespace
@@ -95,4 +86,39 @@ u32 Utf8ToUtf16(const char* source, char16_t* dest, u32 destCapacity) {
   }
   sink.Put(0);
   return sink.count;
+}
+
+u32 DecodeUtf8(const char* text, u32& size) {
+  const auto* bytes = reinterpret_cast<const unsigned char*>(text);
+  const u32 lead = bytes[0];
+  size = 1;
+  if (lead < 0x80) return lead;
+  u32 more;
+  u32 code;
+  if (lead >= 0xC0 && lead <= 0xDF) {
+    more = 1, code = lead & 0x1F;
+  } else if (lead >= 0xE0 && lead <= 0xEF) {
+    more = 2, code = lead & 0x0F;
+  } else if (lead >= 0xF0 && lead <= 0xF7) {
+    more = 3, code = lead & 0x07;
+  } else if (lead >= 0xF8 && lead <= 0xFB) {
+    more = 4, code = lead & 0x03;
+  } else if (lead >= 0xFC && lead <= 0xFD) {
+    more = 5, code = lead & 0x01;
+  } else {
+    return kReplacement;
+  }
+  for (u32 i = 1; i <= more; ++i) {
+    if ((bytes[i] & 0xC0) != 0x80) {
+      size = i;
+      return kReplacement;
+    }
+    code = (code << 6) | (bytes[i] & 0x3F);
+  }
+  size = more + 1;
+  // The highest set bit decides how many bytes the code needs; more or fewer is malformed.
+  const u32 highBit = code ? 31 - std::countl_zero(code) : 0;
+  if (highBit < 6 || (highBit - 6) / 5 + 1 != more) return kReplacement;
+  if (code >= 0xD800 && code <= 0xDFFF) return kReplacement;
+  return code;
 }

@@ -37,32 +37,4 @@ TEST(WildcardMatch, Patterns) {
   }
 }
 
-TEST(DecodeUtf8, Sequences) {
-  struct Case {
-    const char* bytes;
-    u32 code;
-    u32 size;
-  };
-  constexpr Case kCases[] = {
-      {"A", 'A', 1},
-      {"", 0, 1},
-      {"\xC3\xA9", 0xE9, 2},
-      {"\xC3" "A", 0xFFFD, 1},
-      {"\xED\xA0\x80", 0xFFFD, 3},             // a surrogate
-      {"\xF0\x9F\x98\x80", 0x1F600, 4},
-      {"\xF8\x88\x80\x80\x80", 0x200000, 5},   // five bytes are taken
-      {"\xFC\x84\x80\x80\x80\x80", 0x4000000, 6},
-      {"\xC0\x80", 0xFFFD, 2},                 // overlong
-      {"\xE0\x80\xAF", 0xFFFD, 3},             // overlong
-      {"\x80", 0xFFFD, 1},
-      {"\xFE", 0xFFFD, 1},
-      {"\xE2\x82", 0xFFFD, 2},                 // ends at the NUL
-  };
-  for (const Case& c : kCases) {
-    u32 size = 99;
-    EXPECT_EQ(DecodeUtf8(c.bytes, size), c.code) << c.bytes;
-    EXPECT_EQ(size, c.size) << c.bytes;
-  }
-}
-
 }  // namespace

@@ -31,10 +31,39 @@ TEST(Utf8, BothDirectionsReplaceIllFormedText) {
   EXPECT_EQ(ToWide("\xC0\xAF"), u"\xFFFD\xFFFD") << "overlong";
   EXPECT_EQ(ToWide("\xED\xA0\x80"), u"\xFFFD") << "encoded surrogate";
   EXPECT_EQ(ToWide("\xF4\x90\x80\x80"), u"\xFFFD") << "past U+10FFFF";
+  EXPECT_EQ(ToWide("\xF8\x88\x80\x80\x80"), u"\xFFFD\xFFFD\xFFFD\xFFFD\xFFFD") << "five-byte forms are not taken";
 
   char small[4] = {'#', '#', '#', '#'};
   EXPECT_EQ(Utf16ToUtf8(u"abcdef", small, 3), 7u) << "measures all, writes what fits";
   EXPECT_EQ(std::string(small, 4), "abc#");
+}
+
+TEST(DecodeUtf8, Sequences) {
+  struct Case {
+    const char* bytes;
+    u32 code;
+    u32 size;
+  };
+  constexpr Case kCases[] = {
+      {"A", 'A', 1},
+      {"", 0, 1},
+      {"\xC3\xA9", 0xE9, 2},
+      {"\xC3" "A", 0xFFFD, 1},
+      {"\xED\xA0\x80", 0xFFFD, 3},             // a surrogate
+      {"\xF0\x9F\x98\x80", 0x1F600, 4},
+      {"\xF8\x88\x80\x80\x80", 0x200000, 5},   // five bytes are taken
+      {"\xFC\x84\x80\x80\x80\x80", 0x4000000, 6},
+      {"\xC0\x80", 0xFFFD, 2},                 // overlong
+      {"\xE0\x80\xAF", 0xFFFD, 3},             // overlong
+      {"\x80", 0xFFFD, 1},
+      {"\xFE", 0xFFFD, 1},
+      {"\xE2\x82", 0xFFFD, 2},                 // ends at the NUL
+  };
+  for (const Case& c : kCases) {
+    u32 size = 99;
+    EXPECT_EQ(DecodeUtf8(c.bytes, size), c.code) << c.bytes;
+    EXPECT_EQ(size, c.size) << c.bytes;
+  }
 }
 
 }  // namespace
