@@ -115,6 +115,11 @@ bool CRenderWindow::BuildDrawNode(const ModelMaterial& material, const ModelMesh
   if (!layout) return false;
   PreviewMesh preview;
   if (!BuildPreview(preview, mesh, layout)) return false;
+  // Stored indices are kept as they are; one past the vertices would have the GPU read outside
+  // the vertex buffer, so such a mesh isn't drawn.
+  for (u32 index : preview.indices) {
+    if (index >= preview.vertexCount) return false;
+  }
   DrawNode node;
   if (!device->CreateMesh(preview, node.mesh)) return false;
   node.indexCount = preview.indexCount;

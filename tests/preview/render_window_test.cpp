@@ -85,7 +85,9 @@ class FakeHost final : public IRenderHost {
   FakeDevice device;
 };
 
-std::string SolidPng(u8 r, u8 g, u8 b) { return testsupport::BuildPng(2, 2, std::vector<u8>{r, g, b, 255, r, g, b, 255, r, g, b, 255, r, g, b, 255}); }
+std::string SolidPng(u8 r, u8 g, u8 b) {
+  return testsupport::BuildPng(2, 2, std::vector<u8>{r, g, b, 255, r, g, b, 255, r, g, b, 255, r, g, b, 255});
+}
 
 // A game of one pack: the catalogue, the actors and their files.
 class RenderWindowTest : public ::testing::Test {
@@ -100,7 +102,9 @@ class RenderWindowTest : public ::testing::Test {
     ASSERT_TRUE(preview.Init(&packs));
   }
   // Shows the listed actor `name`, as a click on it does.
-  bool Load(const char* name, const MaterialDefinitionSet* with) { return preview.LoadActor(packs.Find(name), name, with); }
+  bool Load(const char* name, const MaterialDefinitionSet* with) {
+    return preview.LoadActor(packs.Find(name), name, with);
+  }
   // The actor `name` over `model`, with the catalogue and `extra` files.
   std::vector<PackFileEntry> Game(const testsupport::SkinnedActor& model, std::vector<PackFileEntry> extra = {}) {
     extra.push_back({"materials_3.xml", model.catalogue});
@@ -120,13 +124,13 @@ TEST_F(RenderWindowTest, InfoTextListsEachMeshsTexturesAndDrawsTheDiffuseOne) {
   testsupport::SkinnedActorDesc desc{.meshCount = 4, .gridSize = 3, .boneCount = 2};
   desc.textures = {
       {{"normalMap", "tex\\n.dds"}, {"baseDiffuse", "tex\\a.png"}},
-      {{"BaseDiffuse", "TEX\\A.PNG"}},  // the other spelling; the name's hash ignores case
+      {{"BaseDiffuse", "TEX\\A.PNG"}},                          // the other spelling; the name's hash ignores case
       {{"detail", "tex\\broken.png"}, {"glow", "tex\\b.png"}},  // neither spelling: flat
-      {{"baseDiffuse", "tex\\broken.png"}},             // can't be decoded: flat, still listed
+      {{"baseDiffuse", "tex\\broken.png"}},                     // can't be decoded: flat, still listed
   };
-  Open(Game(testsupport::BuildSkinnedActor(desc), {{"tex\\a.png", SolidPng(10, 200, 30)},
-                                                   {"tex\\b.png", SolidPng(1, 2, 3)},
-                                                   {"tex\\broken.png", "not an image"}}));
+  Open(Game(
+      testsupport::BuildSkinnedActor(desc),
+      {{"tex\\a.png", SolidPng(10, 200, 30)}, {"tex\\b.png", SolidPng(1, 2, 3)}, {"tex\\broken.png", "not an image"}}));
 
   ASSERT_TRUE(Load("actors\\thing.adr", &materials));
   EXPECT_STREQ(preview.GetInfoText(),
@@ -176,10 +180,10 @@ TEST_F(RenderWindowTest, FailedLoadsEmptyThePreviewAndKeepTheTextUpToTheirFailur
   testsupport::SkinnedActor model = testsupport::BuildSkinnedActor(desc);
   testsupport::PaletteDesc shortPalette;  // one material for two meshes
   shortPalette.materials.push_back({.definitionHash = HashExact("SkinnedMaterial")});
-  Open(Game(model, {{"actors\\palette_gone.adr", testsupport::BuildActor({.fileName = "models\\thing.dmod",
-                                                                         .paletteName = "gone.dmat"})},
-                    {"actors\\short.adr", testsupport::BuildActor({.fileName = "models\\thing.dmod",
-                                                                  .paletteName = "short.dmat"})},
+  Open(Game(model, {{"actors\\palette_gone.adr",
+                     testsupport::BuildActor({.fileName = "models\\thing.dmod", .paletteName = "gone.dmat"})},
+                    {"actors\\short.adr",
+                     testsupport::BuildActor({.fileName = "models\\thing.dmod", .paletteName = "short.dmat"})},
                     {"short.dmat", testsupport::BuildPalette(shortPalette)},
                     {"actors\\broken.adr", "<ActorRuntime>"}}));
   ASSERT_TRUE(Load("actors\\thing.adr", &materials));
@@ -196,6 +200,20 @@ TEST_F(RenderWindowTest, FailedLoadsEmptyThePreviewAndKeepTheTextUpToTheirFailur
   EXPECT_EQ(preview.DrawCount(), 0u);
   EXPECT_EQ(host.device.liveMeshes, 0);
   EXPECT_FALSE(Load("actors\\thing.adr", nullptr));
+}
+
+// The GPU would read past the vertex buffer for an index past the vertices: such a mesh fails the
+// load instead of reaching the device.
+TEST_F(RenderWindowTest, AnIndexPastTheVerticesIsNeverUploaded) {
+  testsupport::SkinnedActor model = testsupport::BuildSkinnedActor({.gridSize = 2, .boneCount = 1});
+  const std::string indices = std::string("\0\0\1\0\2\0\2\0\1\0\3\0", 12);
+  const size_t at = model.model.find(indices);
+  ASSERT_NE(at, std::string::npos);
+  model.model[at + 10] = 4;  // four vertices: 4 is one past the last
+  Open(Game(model));
+  EXPECT_FALSE(Load("actors\\thing.adr", &materials));
+  EXPECT_EQ(preview.DrawCount(), 0u);
+  EXPECT_EQ(host.device.liveMeshes, 0);
 }
 
 TEST_F(RenderWindowTest, AsksForAFirstFrameAtInitAndStopsALoadWithoutItsContext) {
