@@ -15,6 +15,7 @@ struct Target {
 constexpr Target kTargets[] = {
     {"pack_directory", &PackDirectorySeeds},
     {"model", &ModelSeeds},
+    {"mesh", &MeshSeeds},
     {"palette", &PaletteSeeds},
     {"rig_network", &RigNetworkSeeds},
     {"catalogue", &CatalogueSeeds},

@@ -9,6 +9,7 @@ using Seeds = std::vector<std::pair<std::string, std::string>>;
 
 Seeds PackDirectorySeeds();
 Seeds ModelSeeds();
+Seeds MeshSeeds();
 Seeds PaletteSeeds();
 Seeds RigNetworkSeeds();
 Seeds CatalogueSeeds();

@@ -53,8 +53,8 @@ const std::string kRampIndices = Bytes({0x88, 0xC6, 0xFA, 0x88, 0xC6, 0xFA});
 const std::string kColourIndices = Bytes({0xE4, 0xE4, 0xE4, 0xE4});
 
 TEST(ImageDecode, PngTgaAndDdsRoundTrip) {
-  const std::vector<u8> rgba = {255, 0, 0, 255, 0, 255, 0, 128, 0, 0, 255, 0,
-                                1, 2, 3, 4,     250, 251, 252, 253, 9, 99, 199, 255};
+  const std::vector<u8> rgba = {255, 0, 0, 255, 0,   255, 0,   128, 0, 0,  255, 0,
+                                1,   2, 3, 4,   250, 251, 252, 253, 9, 99, 199, 255};
   for (const std::string& file :
        {testsupport::BuildPng(3, 2, rgba), testsupport::BuildTga(3, 2, rgba), testsupport::BuildDds(3, 2, rgba)}) {
     DecodedImage image;
@@ -74,10 +74,15 @@ TEST(DdsDecode, BitMaskLayoutsScaleEachChannel) {
   };
   const Case cases[] = {
       {"565", {kRgb, 0, 16, {0xF800, 0x07E0, 0x001F, 0}}, Bytes({0x10, 0x04}), {0, 130, 132, 255}},
-      {"4444", {kRgb | kAlphaPixels, 0, 16, {0x0F00, 0x00F0, 0x000F, 0xF000}}, Bytes({0x3C, 0x8F}), {255, 51, 204, 136}},
+      {"4444",
+       {kRgb | kAlphaPixels, 0, 16, {0x0F00, 0x00F0, 0x000F, 0xF000}},
+       Bytes({0x3C, 0x8F}),
+       {255, 51, 204, 136}},
       {"1555", {kRgb | kAlphaPixels, 0, 16, {0x7C00, 0x03E0, 0x001F, 0x8000}}, Bytes({0x01, 0xFC}), {255, 0, 8, 255}},
       {"888", {kRgb, 0, 24, {0xFF0000, 0xFF00, 0xFF, 0}}, Bytes({0x10, 0x20, 0x30}), {0x30, 0x20, 0x10, 255}},
-      {"alpha mask without its flag", {kRgb, 0, 32, {0xFF0000, 0xFF00, 0xFF, 0xFF000000}}, Bytes({1, 2, 3, 4}),
+      {"alpha mask without its flag",
+       {kRgb, 0, 32, {0xFF0000, 0xFF00, 0xFF, 0xFF000000}},
+       Bytes({1, 2, 3, 4}),
        {3, 2, 1, 255}},
       {"L8", {kLuminance, 0, 8, {0xFF, 0, 0, 0}}, Bytes({0x7F}), {127, 127, 127, 255}},
       {"L8A8", {kLuminance | kAlphaPixels, 0, 16, {0xFF, 0, 0, 0xFF00}}, Bytes({0x40, 0x80}), {64, 64, 64, 128}},
@@ -171,6 +176,25 @@ TEST(DdsDecode, Dx10FormatsMatchTheirOlderForms) {
   }
 }
 
+// Every shorter prefix of a good file fails, each copied to a buffer of exactly its length so that
+// the sanitizer sees any read past it; the whole file decodes.
+TEST(DdsDecode, EveryPrefixFailsAndTheWholeFileDecodes) {
+  const std::vector<u8> rgba(4 * 5 * 3, 77);
+  const std::string bc1 = Bytes({0, 0, 0x00, 0x80}) + kColourIndices;
+  const std::pair<const char*, std::string> files[] = {
+      {"bit masks", testsupport::BuildDds(5, 3, rgba)},
+      {"four-character code", WithFourCC(4, 4, "DXT1", bc1)},
+      {"DX10 header", BuildDdsDx10(4, 4, 71, bc1)},
+  };
+  for (const auto& [what, file] : files) {
+    for (size_t length = 0; length <= file.size(); ++length) {
+      std::vector<u8> prefix(file.begin(), file.begin() + std::ptrdiff_t(length));
+      DecodedImage image;
+      EXPECT_EQ(DecodeImage(prefix.data(), prefix.size(), image), length == file.size()) << what << ", " << length;
+    }
+  }
+}
+
 TEST(DdsDecode, EdgeBlocksAreClippedToTheImage) {
   for (const auto& [width, height] : {std::pair<u32, u32>{5, 3}, {3, 5}, {1, 1}, {8, 6}}) {
     // A flat block per grey level, 10, 20, 30, ... in row order.
@@ -208,7 +232,8 @@ TEST(ImageDecode, BadFilesFailAndEmptyTheImage) {
       {"DX10 header cut short", WithFourCC(1, 1, "DX10", Bytes({28, 0, 0}))},
       {"12 bits a pixel", BuildDdsWithFormat(1, 1, {kRgb, 0, 12, {0xF00, 0xF0, 0xF, 0}}, std::string(4, '\0'))},
       {"no colour masks", BuildDdsWithFormat(1, 1, {kRgb, 0, 32, {}}, std::string(4, '\0'))},
-      {"mask beyond the pixel", BuildDdsWithFormat(1, 1, {kRgb, 0, 16, {0xFF0000, 0xFF00, 0xFF, 0}}, std::string(2, '\0'))},
+      {"mask beyond the pixel",
+       BuildDdsWithFormat(1, 1, {kRgb, 0, 16, {0xFF0000, 0xFF00, 0xFF, 0}}, std::string(2, '\0'))},
       {"no layout flag", BuildDdsWithFormat(1, 1, {0, 0, 32, {0xFF, 0xFF00, 0xFF0000, 0}}, std::string(4, '\0'))},
       {"GIF", "GIF89a\x01\x00\x01\x00\x80\x00\x00\xFF\xFF\xFF\x00\x00\x00!\xF9\x04\x01\x00\x00\x00\x00,"s},
       {"truncated PNG", png.substr(0, png.size() / 2)},

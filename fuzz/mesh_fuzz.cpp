@@ -1,0 +1,69 @@
+// A fuzzed input layout and model file, decoded as the export and the preview decode each mesh:
+// Build and BuildPreview give true or false without a crash or a read outside a buffer, and on true
+// the counts match the arrays and every influence names a bone of the model. Indices stay as stored,
+// so their users check them.
+//
+// Input: a count byte n (taken modulo 9), n entries of five bytes (stream, type, usage, usage index,
+// offset), a byte of material flags, then the model file.
+#include <cstdint>
+#include <cstring>
+
+#include "mesh/export_mesh.h"
+#include "mesh/preview_mesh.h"
+
+namespace {
+
+constexpr size_t kEntryBytes = 5;
+constexpr u32 kMaxEntries = 8;
+
+bool ReadLayout(const uint8_t*& data, size_t& size, InputLayout& layout, u32& flags) {
+  if (size < 1) return false;
+  const u32 count = data[0] % (kMaxEntries + 1);
+  if (size < 2 + count * kEntryBytes) return false;
+  if (!layout.entries.SetSize(count)) return false;
+  for (u32 i = 0; i < count; ++i) {
+    const uint8_t* e = data + 1 + i * kEntryBytes;
+    layout.entries[i] = {e[0], e[1], e[2], e[3], e[4]};
+  }
+  layout.entryCount = count;
+  flags = data[1 + count * kEntryBytes];
+  const size_t used = 2 + count * kEntryBytes;
+  data += used;
+  size -= used;
+  return true;
+}
+
+void CheckExport(const ExportMesh& mesh, const ModelFile& model) {
+  if (mesh.vertices.Count() != mesh.vertexCount || mesh.indices.Count() != mesh.indexCount) __builtin_trap();
+  for (const ExportVertex& vertex : mesh.vertices) {
+    for (const ExportInfluence& influence : vertex.influences) {
+      if (influence.bone >= i32(model.bones.Count())) __builtin_trap();
+    }
+  }
+}
+
+void CheckPreview(const PreviewMesh& mesh) {
+  if (mesh.vertices.Count() != mesh.vertexCount || mesh.indices.Count() != mesh.indexCount) __builtin_trap();
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
+  InputLayout layout;
+  u32 flags = 0;
+  if (!ReadLayout(data, size, layout, flags)) return 0;
+  // Granule 1: exactly the model's length, so a read past it lands outside the block.
+  CByteBuffer bytes(1);
+  if (size > UINT32_MAX || !bytes.SetSize(static_cast<u32>(size))) return 0;
+  if (size) std::memcpy(bytes.Data(), data, size);
+  ModelFile model;
+  ModelMaterials materials;
+  if (!Read(model, bytes, materials)) return 0;
+  for (const ModelMesh& mesh : model.meshes) {
+    ExportMesh exported;
+    if (Build(exported, model, mesh, &layout, flags)) CheckExport(exported, model);
+    PreviewMesh preview;
+    if (BuildPreview(preview, mesh, &layout)) CheckPreview(preview);
+  }
+  return 0;
+}
