@@ -31,8 +31,8 @@ void NormalizeInto(const char* text, CStringBufferA& out) {
 
 void NormalizePath(const char* text, CStringBufferA& out) {
   const char* own = out.Text();
-  const bool inside = std::greater_equal<const char*>()(text, own) &&
-                      std::less_equal<const char*>()(text, own + out.Length());
+  const bool inside =
+      std::greater_equal<const char*>()(text, own) && std::less_equal<const char*>()(text, own + out.Length());
   if (!inside) {
     NormalizeInto(text, out);
     return;

@@ -35,9 +35,7 @@ class PackIndex {
 
   // Exact, case-sensitive lookup; null when absent.
   const PackEntry* Find(const char* name) const;
-  [[nodiscard]] bool FetchByName(const char* name, CByteBuffer& bytes) const {
-    return FetchEntry(Find(name), bytes);
-  }
+  [[nodiscard]] bool FetchByName(const char* name, CByteBuffer& bytes) const { return FetchEntry(Find(name), bytes); }
   // Reads the entry's bytes into `bytes`. False for a null entry, an offset at or past 2 GiB, data
   // running past the end of its pack, or memory refused.
   [[nodiscard]] static bool FetchEntry(const PackEntry* entry, CByteBuffer& bytes);
