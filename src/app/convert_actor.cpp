@@ -128,7 +128,8 @@ void ConvertActor(const GameTables& game, const PackEntry& entry, const char* ac
   }
   ActorFiles files;
   switch (ReadActorFiles(files, actorBytes, game.packs, modelBytes, paletteBytes)) {
-    case ActorFilesFailure::kNone: break;
+    case ActorFilesFailure::kNone:
+      break;
     case ActorFilesFailure::kParseActor:
       return Fail(outcome, ConvertResult::kParseActorFailed, "Error parsing \"%s\".", actorName);
     case ActorFilesFailure::kParseModel:

@@ -1,5 +1,5 @@
-#include <strings.h>
 #include <cstdio>
+#include <strings.h>
 
 #include "app/convert_actor.h"
 #include "app/log.h"
@@ -21,8 +21,7 @@ struct RigAnswer : IRigDialog {
     }
     unanswered = true;
     std::fprintf(stderr, "tarnwick-cli: several rigs fit this actor; choose one with --rig NAME:\n");
-    for (const RigCandidate* c = candidates; c; c = c->next)
-      std::fprintf(stderr, "  %s\n", c->name ? c->name : "(no name)");
+    for (const RigCandidate* c = candidates; c; c = c->next) std::fprintf(stderr, "  %s\n", c->name ? c->name : "(no name)");
     return 0;
   }
 };
@@ -58,8 +57,7 @@ int RunConvert(const CliOptions& options) {
   const ListEntry* item = FindActor(items, options.argument);
   const auto* entry = item ? reinterpret_cast<const PackEntry*>(item->data) : nullptr;
   if (!entry) {
-    std::fprintf(stderr, "tarnwick-cli: no actor \"%s\" in this game (see tarnwick-cli list)\n",
-                 options.argument.c_str());
+    std::fprintf(stderr, "tarnwick-cli: no actor \"%s\" in this game (see tarnwick-cli list)\n", options.argument.c_str());
     return 1;
   }
   AppState& app = session.App();
@@ -71,8 +69,13 @@ int RunConvert(const CliOptions& options) {
   for (const std::string& note : outcome.notes) Log(app, "%s", note.c_str());
   if (outcome.logLine.Length()) Log(app, "%s", outcome.logLine.Text());
   switch (outcome.result) {
-    case ConvertResult::kWritten: std::fprintf(stderr, "Wrote %s\n", options.output.c_str()); return 0;
-    case ConvertResult::kCancelled: return 1;  // only an unanswered rig question cancels, and it said why
-    default: std::fprintf(stderr, "tarnwick-cli: \"%s\" was not converted\n", options.argument.c_str()); return 1;
+    case ConvertResult::kWritten:
+      std::fprintf(stderr, "Wrote %s\n", options.output.c_str());
+      return 0;
+    case ConvertResult::kCancelled:
+      return 1;  // only an unanswered rig question cancels, and it said why
+    default:
+      std::fprintf(stderr, "tarnwick-cli: \"%s\" was not converted\n", options.argument.c_str());
+      return 1;
   }
 }

@@ -11,8 +11,7 @@ int RunList(const CliOptions& options) {
   if (!session.Open(options, true)) return 1;
   const std::string pattern = "*" + options.argument + "*";
   for (const auto& item : session.Window().Snapshot(kFileList).items) {
-    if (options.argument.empty() || WildcardMatch(item.text.c_str(), pattern.c_str()))
-      std::printf("%s\n", item.text.c_str());
+    if (options.argument.empty() || WildcardMatch(item.text.c_str(), pattern.c_str())) std::printf("%s\n", item.text.c_str());
   }
   return 0;
 }

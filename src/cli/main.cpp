@@ -90,10 +90,9 @@ int main(int argc, char** argv) {
       options.arguments.push_back(arg);
     }
     if (!ok) {
-      std::fprintf(stderr, "tarnwick-cli: %s needs a value%s\n", arg.c_str(),
-                   arg == "--jobs"     ? " from 1 to 64"
-                   : arg == "--format" ? ": fbx or glb"
-                                       : "");
+      std::fprintf(stderr, "tarnwick-cli: %s needs a value%s\n", arg.c_str(), arg == "--jobs"     ? " from 1 to 64"
+                                                           : arg == "--format" ? ": fbx or glb"
+                                                                               : "");
       return 2;
     }
   }
@@ -106,7 +105,6 @@ int main(int argc, char** argv) {
   if (command == "games") return RunGames(options);
   if (command == "list") return RunList(options);
   if (command == "convert") return options.outDir.empty() ? RunConvert(options) : RunBatchConvert(options);
-  std::fprintf(stderr, "%s%s", command.empty() ? "" : ("tarnwick-cli: unknown command " + command + "\n\n").c_str(),
-               kUsage);
+  std::fprintf(stderr, "%s%s", command.empty() ? "" : ("tarnwick-cli: unknown command " + command + "\n\n").c_str(), kUsage);
   return 2;
 }
