@@ -233,7 +233,9 @@ class DocumentBuilder {
       attributes["TEXCOORD_" + std::to_string(uvSets++)] =
           buffer.AddAccessor(values, kFloat, "VEC2", vertexCount, kArrayBuffer);
     }
-    if (const FbxSkin* skin = SkinOf(mesh)) {
+    // A skin without clusters binds nothing: the mesh stays a plain one under the actor's node.
+    const FbxSkin* skin = SkinOf(mesh);
+    if (skin && skin->GetClusterCount()) {
       if (!AddSkin(node, *skin, vertexCount, attributes)) return false;
       skinned = true;
       topLevel.insert(&node);
@@ -276,18 +278,29 @@ class DocumentBuilder {
                               {{"min", {low[0], low[1], low[2]}}, {"max", {high[0], high[1], high[2]}}});
   }
 
-  // The skin's joints are its clusters' bones in cluster order; JOINTS_0 and WEIGHTS_0 number them.
+  // The skin's joints are every bone of the rig, in rig order, as an importer that builds its
+  // skeleton from them finds the FBX file's; JOINTS_0 and WEIGHTS_0 number them. A vertex without
+  // weight goes wholly to the rig's first root bone, so it follows the skeleton as a whole.
   bool AddSkin(const FbxNode& node, const FbxSkin& skin, u32 vertexCount, Json& attributes) {
-    std::vector<VertexWeights> weights(vertexCount);
+    const u32 boneCount = state.boneNodes.Count();
+    if (boneCount == 0 || boneCount > 0xFFFF) return false;
     Json joints = Json::array();
     std::vector<f32> inverseBind;
+    u16 top = 0;
+    for (u32 b = boneCount; b-- > 0;) {
+      if (state.boneNodes[b]->GetParent() == state.rootNode) top = u16(b);
+    }
+    for (u32 b = 0; b < boneCount; ++b) {
+      joints.push_back(indexOf[state.boneNodes[b]]);
+      AppendMatrix(state.boneNodes[b]->EvaluateGlobalTransform().Inverse(), inverseBind);
+    }
+    std::vector<VertexWeights> weights(vertexCount);
     for (u32 c = 0; c < skin.GetClusterCount(); ++c) {
       const FbxCluster& cluster = *skin.GetCluster(c);
       const auto link = indexOf.find(cluster.GetLink());
-      if (link == indexOf.end()) return false;
-      const u16 joint = u16(joints.size());
-      joints.push_back(link->second);
-      AppendMatrix(cluster.GetTransformLinkMatrix().Inverse() * cluster.GetTransformMatrix(), inverseBind);
+      // Bones are nodes 1 to boneCount, after the actor's.
+      if (link == indexOf.end() || link->second == 0 || link->second > boneCount) return false;
+      const u16 joint = u16(link->second - 1);
       for (u32 k = 0; k < cluster.GetControlPointIndicesCount(); ++k) {
         const int v = cluster.GetControlPointIndices()[k];
         const f32 w = f32(cluster.GetControlPointWeights()[k]);
@@ -295,23 +308,16 @@ class DocumentBuilder {
         if (w > 0) weights[u32(v)].Add(joint, w);
       }
     }
-    bool unweighted = false;
     for (VertexWeights& vertex : weights) {
       f32 sum = 0;
       for (u32 k = 0; k < vertex.count; ++k) sum += vertex.weight[k];
       if (!(sum > 0) || !std::isfinite(sum)) {
         vertex = {};
-        vertex.count = 1, vertex.weight[0] = 1, vertex.joint[0] = u16(joints.size());
-        unweighted = true;
+        vertex.count = 1, vertex.weight[0] = 1, vertex.joint[0] = top;
         continue;
       }
-      for (u32 k = 0; k < vertex.count; ++k) vertex.weight[k] /= sum;
+      for (u32 k = 0; k < vertex.count; ++k) vertex.weight[k] /= sum;  // in single precision, as they are stored
     }
-    if (unweighted) {
-      joints.push_back(0);
-      AppendMatrix(state.rootNode->EvaluateGlobalTransform().Inverse(), inverseBind);
-    }
-    if (joints.size() > 0xFFFF) return false;
 
     std::vector<f32> weightValues;
     weightValues.reserve(kInfluences * vertexCount);

@@ -58,8 +58,9 @@ std::vector<FbxAMatrix> RigGlobals(const testsupport::RigLayout& rig) {
 
 // Makes the actor take its rig as it now stands in `files`.
 void UseRig(LoadedActor& loaded) {
-  loaded.AddNetwork("changed", testsupport::NetworkWithSets({{7, loaded.files.rig}}, {{"Idle", 7}}));
-  ASSERT_TRUE(loaded.actor.animationNetworkName.Assign("anims\\changed.mrn"));
+  const std::string key = "changed_" + std::to_string(loaded.rigs.Count());  // a network of its own each time
+  loaded.AddNetwork(key.c_str(), testsupport::NetworkWithSets({{7, loaded.files.rig}}, {{"Idle", 7}}));
+  ASSERT_TRUE(loaded.actor.animationNetworkName.Assign(("anims\\" + key + ".mrn").c_str()));
 }
 
 const nlohmann::json& Attribute(const glbtest::Glb& glb, size_t mesh, const char* name) {
@@ -181,7 +182,7 @@ TEST(GltfExport, EachVertexKeepsItsPositionUvsAndBonesWithWeightsThatSumToOne) {
   }
 }
 
-TEST(GltfExport, AVertexThatNoRigBoneWeighsStaysWithTheActorsNode) {
+TEST(GltfExport, AVertexThatNoRigBoneWeighsGoesToTheRigsRootBone) {
   LoadedActor loaded;
   loaded.Load({.meshCount = 1, .gridSize = 2, .boneCount = 2});
   // The rig lacks the model's bone 0, which carries the whole weight of every even vertex.
@@ -191,14 +192,22 @@ TEST(GltfExport, AVertexThatNoRigBoneWeighsStaysWithTheActorsNode) {
   const Export out = Convert(loaded, dir.Join("hero.glb"), ExportFormat::kGlb);
   ASSERT_TRUE(out.outcome.Written()) << out.outcome.logLine.Text();
   const nlohmann::json& skin = out.glb.json["skins"][0];
-  EXPECT_EQ(skin["joints"], nlohmann::json({2, 1, 0})) << "bone_1, its parent, then the actor's node";
+  EXPECT_EQ(skin["joints"], nlohmann::json({1, 2})) << "every bone of the rig";
   const std::vector<double> joints = glbtest::Values(out.glb, Attribute(out.glb, 0, "JOINTS_0"));
   const std::vector<double> weights = glbtest::Values(out.glb, Attribute(out.glb, 0, "WEIGHTS_0"));
-  EXPECT_EQ(std::vector<double>(joints.begin(), joints.begin() + 8), std::vector<double>({2, 0, 0, 0, 0, 0, 0, 0}));
-  EXPECT_EQ(std::vector<double>(weights.begin(), weights.begin() + 8), std::vector<double>({1, 0, 0, 0, 1, 0, 0, 0}))
-      << "vertex 1 keeps bone_1 alone, its weight renormalised";
-  const std::vector<double> inverse = glbtest::Values(out.glb, skin["inverseBindMatrices"].get<size_t>());
-  for (u32 k = 0; k < 16; ++k) EXPECT_EQ(inverse[32 + k], k % 5 == 0) << "the actor's node sits at the origin";
+  EXPECT_EQ(joints, std::vector<double>({0, 0, 0, 0, 1, 0, 0, 0, 0, 0, 0, 0, 1, 0, 0, 0}))
+      << "even vertices go to the rig's root bone, odd ones keep bone_1";
+  EXPECT_EQ(weights, std::vector<double>({1, 0, 0, 0, 1, 0, 0, 0, 1, 0, 0, 0, 1, 0, 0, 0}))
+      << "bone_1's weight renormalised";
+
+  // With no bone of the rig at all, nothing is bound: a plain mesh under the actor's node.
+  loaded.files.rig.bones[1].name = "nowhere";
+  UseRig(loaded);
+  const Export unbound = Convert(loaded, dir.Join("unbound.glb"), ExportFormat::kGlb);
+  ASSERT_TRUE(unbound.outcome.Written()) << unbound.outcome.logLine.Text();
+  EXPECT_FALSE(unbound.glb.json.contains("skins"));
+  EXPECT_FALSE(unbound.glb.json["meshes"][0]["primitives"][0]["attributes"].contains("JOINTS_0"));
+  EXPECT_EQ(unbound.glb.json["nodes"][0]["children"], nlohmann::json({1, 3}));
 }
 
 TEST(GltfExport, TheFormatFollowsTheOptionOrElseTheExtension) {
