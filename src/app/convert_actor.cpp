@@ -46,7 +46,6 @@ void ExportGlb(const ConvertState& state, const GameTables& game, const ModelMat
   if (options.textures) CollectGlbTextures(materials, meshCount, game.packs, images, outcome.notes);
   GltfDocument document;
   if (!BuildGltf(state, images, document) || !WriteGlb(document, path, !options.batch)) {
-    outcome.notes.clear();
     return FailWrite(outcome, path);
   }
   outcome.result = ConvertResult::kWritten;

@@ -210,6 +210,32 @@ TEST(GltfExport, AVertexThatNoRigBoneWeighsGoesToTheRigsRootBone) {
   EXPECT_EQ(unbound.glb.json["nodes"][0]["children"], nlohmann::json({1, 3}));
 }
 
+TEST(GltfExport, JointNumbersTakeSixteenBitsBeyond256BonesAndIndicesThirtyTwoBeyond65535Vertices) {
+  struct Case {
+    u32 gridSize;
+    u32 extraBones;
+    int jointType;
+    int indexType;
+  } cases[] = {{3, 252, 5121, 5123}, {3, 253, 5123, 5123}, {255, 0, 5121, 5123}, {256, 0, 5121, 5125}};
+  for (const Case& c : cases) {
+    SCOPED_TRACE(testing::Message() << c.gridSize << " " << c.extraBones);
+    LoadedActor loaded;
+    loaded.Load({.meshCount = 1, .gridSize = c.gridSize, .boneCount = 4});
+    for (u32 i = 0; i < c.extraBones; ++i) loaded.files.rig.bones.push_back({.name = "extra_" + std::to_string(i)});
+    UseRig(loaded);
+    testsupport::TempDir dir;
+    const Export out = Convert(loaded, dir.Join("hero.glb"), ExportFormat::kGlb);
+    ASSERT_TRUE(out.outcome.Written()) << out.outcome.logLine.Text();
+    const nlohmann::json& accessors = out.glb.json["accessors"];
+    const nlohmann::json& primitive = out.glb.json["meshes"][0]["primitives"][0];
+    EXPECT_EQ(accessors[Attribute(out.glb, 0, "JOINTS_0").get<size_t>()]["componentType"], c.jointType);
+    EXPECT_EQ(accessors[primitive["indices"].get<size_t>()]["componentType"], c.indexType);
+    // Vertex 1's heavier bone is bone_1, joint 1 whatever the width.
+    EXPECT_EQ(glbtest::Values(out.glb, Attribute(out.glb, 0, "JOINTS_0"))[4], 1);
+    EXPECT_EQ(out.glb.json["skins"][0]["joints"].size(), 4 + c.extraBones);
+  }
+}
+
 TEST(GltfExport, TheFormatFollowsTheOptionOrElseTheExtension) {
   struct Case {
     const char* name;

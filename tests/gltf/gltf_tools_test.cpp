@@ -67,7 +67,7 @@ class GltfTools : public testing::Test {
       ASSERT_EQ(Shell(cli + options + " >/dev/null 2>&1").status, 0) << options;
     }
     // Chains of bones and two UV sets; a vertex that no rig bone weighs; more vertices than
-    // 16-bit indices reach.
+    // 16-bit indices reach; more bones than 8-bit joint numbers reach.
     const std::string actors = dir->Join("out/writers");
     std::filesystem::create_directories(actors);
     {
@@ -87,6 +87,17 @@ class GltfTools : public testing::Test {
       LoadedActor loaded;
       loaded.Load({.meshCount = 1, .gridSize = 257, .boneCount = 8});
       WritePair(loaded, actors, "wide");
+    }
+    {
+      LoadedActor loaded;
+      loaded.Load({.meshCount = 1, .gridSize = 3, .boneCount = 4});
+      for (u32 i = 0; i < 300; ++i) {
+        loaded.files.rig.bones.push_back(
+            {.name = "extra_" + std::to_string(i), .parent = i32(i % 4), .translation = {0, 0.5f, 0, 0}});
+      }
+      loaded.AddNetwork("large", testsupport::NetworkWithSets({{7, loaded.files.rig}}, {{"Idle", 7}}));
+      ASSERT_TRUE(loaded.actor.animationNetworkName.Assign("anims\\large.mrn"));
+      WritePair(loaded, actors, "many_bones");
     }
   }
   static void TearDownTestSuite() {
@@ -120,7 +131,7 @@ testsupport::TempDir* GltfTools::dir = nullptr;
 TEST_F(GltfTools, EveryActorPassesTheKhronosValidatorWithoutErrorOrWarning) {
   std::vector<std::string> files = Files(dir->Join("out"), ".glb");
   const std::vector<std::string> textured = Files(dir->Join("textured"), ".glb");
-  ASSERT_EQ(files.size(), 10u + 3u) << "the sample game's ten actors and the writers' three";
+  ASSERT_EQ(files.size(), 10u + 4u) << "the sample game's ten actors and the writers' four";
   ASSERT_EQ(textured.size(), 10u);
   files.insert(files.end(), textured.begin(), textured.end());
   std::string command = "node " TARNWICK_TEST_SOURCE_DIR "/gltf/validate_glb.js";
