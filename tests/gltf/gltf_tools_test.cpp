@@ -141,7 +141,7 @@ TEST_F(GltfTools, EveryActorPassesTheKhronosValidatorWithoutErrorOrWarning) {
   EXPECT_EQ(run.out, "");
 }
 
-TEST_F(GltfTools, BlenderImportsTheGlbWithTheSameBoneHeadsAndVerticesAsTheFbx) {
+TEST_F(GltfTools, BlenderImportsTheGlbWithTheSameBoneHeadsVerticesAndUvsAsTheFbx) {
   std::string command =
       "blender -b --factory-startup --python " TARNWICK_TEST_SOURCE_DIR "/gltf/blender_compare_probe.py --";
   const auto pairs = Pairs();
@@ -161,6 +161,8 @@ TEST_F(GltfTools, BlenderImportsTheGlbWithTheSameBoneHeadsAndVerticesAsTheFbx) {
     EXPECT_EQ(pair["missing_meshes"].size(), 0u) << line;
     EXPECT_EQ(pair["vertices"][0], pair["vertices"][1]);
     EXPECT_LT(pair["vertex_distance"].get<double>(), 1e-5);
+    EXPECT_EQ(pair["uv_sets"][0], pair["uv_sets"][1]);
+    EXPECT_LT(pair["uv_distance"].get<double>(), 1e-6) << "the image lies the same way";
     ++compared;
   }
   EXPECT_EQ(compared, pairs.size()) << run.out;
