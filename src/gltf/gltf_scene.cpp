@@ -1,5 +1,6 @@
 #include "gltf/gltf_scene.h"
 
+#include <algorithm>
 #include <cmath>
 #include <cstring>
 #include <nlohmann/json.hpp>
@@ -112,6 +113,49 @@ const FbxSkin* SkinOf(const FbxMesh& mesh) {
   return nullptr;
 }
 
+// Sets `n` to unit length; false when it has no direction.
+bool Normalize(f64 (&n)[3]) {
+  const f64 length = std::sqrt(n[0] * n[0] + n[1] * n[1] + n[2] * n[2]);
+  if (!(length > 0) || !std::isfinite(length)) return false;
+  for (f64& c : n) c /= length;
+  return true;
+}
+
+// The mesh's normals at unit length, as the format demands. A normal derived from a tangent frame
+// needn't be one, and a stored one may be zero: such a vertex takes the normal of the triangles
+// around it, or failing that the up axis.
+std::vector<f32> UnitNormals(const FbxMesh& mesh, const FbxLayerElementNormal& element) {
+  const u32 count = mesh.GetControlPointsCount();
+  std::vector<f64> normals(3 * count);
+  std::vector<u32> lacking;
+  for (u32 v = 0; v < count; ++v) {
+    const FbxVector4& stored = element.GetDirectArray().GetAt(v);
+    f64 n[3] = {stored.x, stored.y, stored.z};
+    if (!Normalize(n)) lacking.push_back(v);
+    std::copy(n, n + 3, &normals[3 * v]);
+  }
+  if (!lacking.empty()) {
+    std::vector<f64> sums(3 * count, 0.0);
+    const TArray<int>& corners = mesh.PolygonVertices();
+    const FbxVector4* p = mesh.GetControlPoints();
+    for (u32 t = 0; t + 2 < corners.Count(); t += 3) {
+      const FbxVector4 &a = p[corners[t]], &b = p[corners[t + 1]], &c = p[corners[t + 2]];
+      const f64 u[3] = {b.x - a.x, b.y - a.y, b.z - a.z}, w[3] = {c.x - a.x, c.y - a.y, c.z - a.z};
+      // The cross product's length is twice the area: larger triangles weigh more.
+      const f64 face[3] = {u[1] * w[2] - u[2] * w[1], u[2] * w[0] - u[0] * w[2], u[0] * w[1] - u[1] * w[0]};
+      for (u32 k = 0; k < 3; ++k) {
+        for (u32 axis = 0; axis < 3; ++axis) sums[3 * u32(corners[t + k]) + axis] += face[axis];
+      }
+    }
+    for (u32 v : lacking) {
+      f64 n[3] = {sums[3 * v], sums[3 * v + 1], sums[3 * v + 2]};
+      if (!Normalize(n)) n[0] = 0, n[1] = 1, n[2] = 0;
+      std::copy(n, n + 3, &normals[3 * v]);
+    }
+  }
+  return std::vector<f32>(normals.begin(), normals.end());
+}
+
 // Up to four influences of one vertex, a joint at most once.
 struct VertexWeights {
   u16 joint[kInfluences] = {};
@@ -211,13 +255,7 @@ class DocumentBuilder {
     const FbxLayer* first = mesh.GetLayer(0);
     if (const FbxLayerElementNormal* normals = first ? first->GetNormals() : nullptr) {
       if (normals->GetDirectArray().GetCount() != vertexCount) return false;
-      std::vector<f32> values;
-      values.reserve(3 * vertexCount);
-      for (u32 v = 0; v < vertexCount; ++v) {
-        const FbxVector4& n = normals->GetDirectArray().GetAt(v);
-        values.insert(values.end(), {f32(n.x), f32(n.y), f32(n.z)});
-      }
-      attributes["NORMAL"] = buffer.AddAccessor(values, kFloat, "VEC3", vertexCount, kArrayBuffer);
+      attributes["NORMAL"] = buffer.AddAccessor(UnitNormals(mesh, *normals), kFloat, "VEC3", vertexCount, kArrayBuffer);
     }
     u32 uvSets = 0;
     for (u32 l = 0; l < mesh.GetLayerCount(); ++l) {

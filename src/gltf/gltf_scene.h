@@ -18,7 +18,8 @@ struct GltfImages {
 // Positions stay in the scene's units (metres) and axes (Y up, the same in both formats); UVs take
 // the top-left origin again and triangles keep the scene's counter-clockwise front faces. Each
 // vertex's weights are renormalised to sum to 1; a skinned vertex with no weight is bound wholly to
-// the rig's first root bone, and a skin that binds no bone is left out. A mesh without triangles
-// leaves its node without a mesh. False when a mesh holds something no scene of ours
+// the rig's first root bone, and a skin that binds no bone is left out. Normals come out at unit
+// length, a zero one replaced by its triangles' normal. A mesh without triangles leaves its node
+// without a mesh. False when a mesh holds something no scene of ours
 // does (a polygon that isn't a triangle, an element that doesn't cover every vertex).
 [[nodiscard]] bool BuildGltf(const ConvertState& state, const GltfImages& images, GltfDocument& document);

@@ -7,7 +7,9 @@
 #include <map>
 
 #include "fbx/export_fixture.h"
+#include "fbx/sdk/fbx_mesh.h"
 #include "glb_reader.h"
+#include "gltf/gltf_scene.h"
 #include "preview/image_decode.h"
 #include "support/image_writer.h"
 #include "support/pack_writer.h"
@@ -234,6 +236,38 @@ TEST(GltfExport, JointNumbersTakeSixteenBitsBeyond256BonesAndIndicesThirtyTwoBey
     EXPECT_EQ(glbtest::Values(out.glb, Attribute(out.glb, 0, "JOINTS_0"))[4], 1);
     EXPECT_EQ(out.glb.json["skins"][0]["joints"].size(), 4 + c.extraBones);
   }
+}
+
+TEST(GltfExport, NormalsComeOutAtUnitLengthAndAZeroOneTakesItsTrianglesNormal) {
+  ConvertState state;
+  ASSERT_TRUE(::Setup(state, "hero.adr"));
+  state.rootNode = FbxNode::Create(state.fbxScene, "hero");
+  FbxMesh* mesh = FbxMesh::Create(state.fbxScene, "Mesh_0");
+  ASSERT_TRUE(mesh && mesh->InitControlPoints(4));
+  // One triangle facing down, and a vertex that no triangle uses.
+  const FbxVector4 points[] = {{0, 0, 0, 1}, {1, 0, 0, 1}, {0, 0, 1, 1}, {5, 5, 5, 1}};
+  const FbxVector4 stored[] = {{0, 2, 0, 1}, {0, 0, 0, 1}, {3, 0, 4, 1}, {0, 0, 0, 1}};
+  FbxLayerElementNormal* normals = mesh->CreateElementNormal();
+  ASSERT_TRUE(normals);
+  for (int v = 0; v < 4; ++v) {
+    mesh->SetControlPointAt(points[v], v);
+    ASSERT_GE(normals->GetDirectArray().Add(stored[v]), 0);
+  }
+  mesh->BeginPolygon();
+  ASSERT_TRUE(mesh->AddPolygon(0) && mesh->AddPolygon(1) && mesh->AddPolygon(2) && mesh->EndPolygon());
+  FbxNode* node = FbxNode::Create(state.fbxScene, "Mesh_0");
+  ASSERT_TRUE(node && node->SetNodeAttribute(mesh) && state.rootNode->AddChild(node));
+  FbxNode** kept = state.meshNodes.Append();
+  ASSERT_TRUE(kept);
+  *kept = node;
+
+  GltfDocument document;
+  ASSERT_TRUE(BuildGltf(state, {}, document));
+  glbtest::Glb glb{nlohmann::json::parse(document.json), std::string(document.bin.begin(), document.bin.end())};
+  const std::vector<double> expected = {0, 1, 0, 0, -1, 0, 0.6, 0, 0.8, 0, 1, 0};
+  const std::vector<double> written = glbtest::Values(glb, Attribute(glb, 0, "NORMAL"));
+  ASSERT_EQ(written.size(), expected.size());
+  for (size_t i = 0; i < expected.size(); ++i) EXPECT_NEAR(written[i], expected[i], 1e-7) << i;
 }
 
 TEST(GltfExport, TheFormatFollowsTheOptionOrElseTheExtension) {
