@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <cstring>
 #include <nlohmann/json.hpp>
 #include <unordered_map>
 #include <unordered_set>
@@ -23,6 +22,7 @@ constexpr u32 kFloat = 5126;
 constexpr u32 kArrayBuffer = 34962;
 constexpr u32 kElementArrayBuffer = 34963;
 constexpr u32 kNoTarget = 0;
+constexpr u32 kTriangles = 4;   // a primitive's mode
 constexpr u32 kInfluences = 4;  // JOINTS_0 and WEIGHTS_0 hold four per vertex
 // Joint numbers that fit a byte are stored as bytes; 16-bit indices stop short of 0xFFFF, which
 // means a primitive restart.
@@ -287,7 +287,7 @@ class DocumentBuilder {
       std::vector<u32> values(corners.Data(), corners.Data() + corners.Count());
       indices = buffer.AddAccessor(values, kUnsignedInt, "SCALAR", corners.Count(), kElementArrayBuffer);
     }
-    Json primitive = {{"attributes", attributes}, {"indices", indices}, {"mode", 4}};
+    Json primitive = {{"attributes", attributes}, {"indices", indices}, {"mode", kTriangles}};
     if (node.GetMaterialCount() && node.GetMaterial(0)->Kind() == FbxObjectKind::SurfacePhong) {
       const i32 image = meshIndex < images.meshImage.size() ? images.meshImage[meshIndex] : -1;
       primitive["material"] =
