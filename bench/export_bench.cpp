@@ -8,6 +8,7 @@
 #include "fbx/sdk/fbx_binary_writer.h"
 #include "fbx/sdk/fbx_document.h"
 #include "fbx/sdk/fbx_scene_writer.h"
+#include "gltf/gltf_scene.h"
 #include "mesh/export_mesh.h"
 #include "platform/output_file.h"
 #include "support/skinned_actor.h"
@@ -70,23 +71,37 @@ bool BuildScene(ConvertState& state) {
                                  a.materials, dialog, outcome, {.creationTime = FixedTime});
 }
 
-// Fetching aside, what the Convert command does: set-up, rig, every mesh, the file.
+// Fetching aside, what the Convert command does: set-up, rig, every mesh, the file, as .fbx or,
+// with the argument 1, as .glb.
 void BM_ExportWholeActor(benchmark::State& state) {
+  const bool glb = state.range(0) == 1;
   testsupport::TempDir dir;
   FixedPath save;
-  save.path = dir.Join("hero.fbx");
+  save.path = dir.Join(glb ? "hero.glb" : "hero.fbx");
   NoRigDialog dialog;
   PackIndex noPacks;
   Actor& a = TheActor();
   for (auto _ : state) {
     ConvertOutcome outcome;
     ExportActor(GameTables{noPacks, a.definitions, a.rigs}, "hero.adr", a.actor, a.model, a.materials, {save, dialog},
-                outcome, {.creationTime = FixedTime});
+                outcome, {.creationTime = FixedTime, .format = ExportFormat::kByExtension});
     if (!outcome.Written()) state.SkipWithError("export failed");
   }
+  state.SetLabel(glb ? "glb" : "fbx");
   state.counters["file_MB"] = double(std::filesystem::file_size(save.path)) / 1e6;
 }
-BENCHMARK(BM_ExportWholeActor)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_ExportWholeActor)->Arg(0)->Arg(1)->Unit(benchmark::kMillisecond);
+
+// The glTF side alone, once the scene is built: the JSON and the binary buffer of the .glb.
+void BM_ExportGlbDocument(benchmark::State& state) {
+  ConvertState convert;
+  if (!BuildScene(convert)) state.SkipWithError("scene failed");
+  for (auto _ : state) {
+    GltfDocument document;
+    if (!BuildGltf(convert, {}, document)) state.SkipWithError("document failed");
+  }
+}
+BENCHMARK(BM_ExportGlbDocument)->Unit(benchmark::kMillisecond);
 
 // The stages one by one: decoding the game's meshes, ...
 void BM_ExportStage1Decode(benchmark::State& state) {

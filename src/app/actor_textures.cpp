@@ -11,7 +11,12 @@
 
 namespace {
 
-std::string Note(TextureResult result, const std::string& name) {
+// The file's stem: its name without folders and without what follows the last dot.
+std::string Stem(const std::filesystem::path& file) { return file.stem().string(); }
+
+}  // namespace
+
+std::string TextureNote(TextureResult result, const std::string& name) {
   switch (result) {
     case TextureResult::kMissing: return "Texture \"" + name + "\" was not found.";
     case TextureResult::kUndecodable: return "Texture \"" + name + "\" can't be decoded.";
@@ -20,11 +25,6 @@ std::string Note(TextureResult result, const std::string& name) {
   }
   return {};
 }
-
-// The file's stem: its name without folders and without what follows the last dot.
-std::string Stem(const std::filesystem::path& file) { return file.stem().string(); }
-
-}  // namespace
 
 void ExportActorTextures(ConvertState& state, const ModelMaterials& materials, u32 meshCount, const PackIndex& packs,
                          const char* outputPath, TextureStore& store, ActorTextures& result) {
@@ -54,7 +54,7 @@ void ExportActorTextures(ConvertState& state, const ModelMaterials& materials, u
     if (results[t] == TextureResult::kWritten) {
       result.files.push_back((folder / relative[t]).string());
     } else {
-      result.notes.push_back(Note(results[t], names[t]));
+      result.notes.push_back(TextureNote(results[t], names[t]));
     }
   }
   for (u32 i = 0; i < meshes; ++i) {

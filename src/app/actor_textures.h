@@ -13,6 +13,9 @@ struct ActorTextures {
   std::vector<std::string> files;  // the files written, to be taken back if the model's file fails
 };
 
+// The log line for a texture that was left out for `result`; empty for one that was written.
+std::string TextureNote(TextureResult result, const std::string& name);
+
 // Writes every texture that the materials of the first `meshCount` meshes name as a PNG file in
 // "<stem>.fbm/" beside `outputPath` (each once, under a path made from its pack name), and puts
 // each mesh's diffuse texture on its material in `state`, by absolute path and by the path relative

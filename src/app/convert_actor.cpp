@@ -1,11 +1,18 @@
 #include "app/convert_actor.h"
 
+#include <strings.h>
+
+#include <cstring>
+
 #include "app/actor_textures.h"
+#include "app/glb_textures.h"
 #include "app/rig_choice.h"
 #include "assets/normalize_path.h"
 #include "fbx/convert_mesh.h"
 #include "fbx/convert_state.h"
 #include "fbx/setup_rig.h"
+#include "gltf/gltf_scene.h"
+#include "gltf/write_glb.h"
 #include "mesh/export_mesh.h"
 
 namespace {
@@ -26,7 +33,35 @@ bool DecodeMesh(const MaterialDefinitionSet& definitions, const ModelMaterial& m
   return layout && definition && Build(exportMesh, model, mesh, layout, definition->flags);
 }
 
+void FailWrite(ConvertOutcome& outcome, const char* path) {
+  TStringBufferA<kSavePathSize> shown;
+  DisplayPath(path, shown);
+  Fail(outcome, ConvertResult::kWriteFailed, "Failed to write \"%s\".", shown.Text());
+}
+
+// The scene as one .glb, with each mesh's diffuse texture inside when textures are asked for.
+void ExportGlb(const ConvertState& state, const GameTables& game, const ModelMaterials& materials, u32 meshCount,
+               const char* path, ConvertOutcome& outcome, const ConvertOptions& options) {
+  GltfImages images;
+  if (options.textures) CollectGlbTextures(materials, meshCount, game.packs, images, outcome.notes);
+  GltfDocument document;
+  if (!BuildGltf(state, images, document) || !WriteGlb(document, path, !options.batch)) {
+    return FailWrite(outcome, path);
+  }
+  outcome.result = ConvertResult::kWritten;
+}
+
+bool HasGlbExtension(const char* path) {
+  const size_t length = std::strlen(path);
+  return length >= 4 && strncasecmp(path + length - 4, ".glb", 4) == 0;
+}
+
 }  // namespace
+
+ExportFormat ResolveFormat(ExportFormat format, const char* path) {
+  if (format != ExportFormat::kByExtension) return format;
+  return HasGlbExtension(path) ? ExportFormat::kGlb : ExportFormat::kFbx;
+}
 
 bool BuildActorScene(ConvertState& state, const GameTables& game, const char* actorName, const ActorDefinition& actor,
                      const ModelFile& model, const ModelMaterials& materials, IRigDialog& rigDialog,
@@ -66,6 +101,9 @@ void ExportActor(const GameTables& game, const char* actorName, const ActorDefin
     outcome.result = ConvertResult::kCancelled;
     return;
   }
+  if (ResolveFormat(options.format, path.Text()) == ExportFormat::kGlb) {
+    return ExportGlb(state, game, materials, model.meshes.Count(), path.Text(), outcome, options);
+  }
   ActorTextures textures;
   if (options.textures) {
     TextureStore ownStore;
@@ -75,9 +113,7 @@ void ExportActor(const GameTables& game, const char* actorName, const ActorDefin
   }
   if (!WriteScene(state.fbxManager.get(), state.fbxScene, path.Text(), options.batch)) {
     RemoveActorTextures(textures);  // a failed conversion leaves nothing behind
-    TStringBufferA<kSavePathSize> shown;
-    DisplayPath(path.Text(), shown);
-    return Fail(outcome, ConvertResult::kWriteFailed, "Failed to write \"%s\".", shown.Text());
+    return FailWrite(outcome, path.Text());
   }
   outcome.result = ConvertResult::kWritten;
 }

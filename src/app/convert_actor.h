@@ -50,6 +50,16 @@ struct ConvertQuestions {
   IRigDialog& rig;
 };
 
+// The file a conversion writes.
+enum class ExportFormat : u8 {
+  kFbx,
+  kGlb,  // glTF 2.0 in one binary file
+  kByExtension,  // a path ending in ".glb" (in any case) is glTF binary, any other FBX
+};
+
+// What `format` means for `path`: kByExtension resolved by the path's extension.
+ExportFormat ResolveFormat(ExportFormat format, const char* path);
+
 // What a conversion may be given beyond its actor.
 struct ConvertOptions {
   FbxCreationTimeSource creationTime = nullptr;  // the time written into the file; null: the clock
@@ -58,8 +68,10 @@ struct ConvertOptions {
   bool batch = false;
   // Each mesh's textures written as PNG files in "<stem>.fbm/" beside the file, the diffuse one on
   // its material. A batch shares one store, so that each texture is decoded once.
+  // For glTF binary the diffuse ones are embedded in the file instead, and no folder is made.
   bool textures = false;
   TextureStore* textureStore = nullptr;
+  ExportFormat format = ExportFormat::kFbx;
 };
 
 // Converts the actor of `entry`, listed as `actorName`: reads its definition, model and palette

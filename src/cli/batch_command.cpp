@@ -31,7 +31,8 @@ void CatchInterrupt() {
 
 // The listed actors that any pattern matches, each once, in the list's order. A pattern that
 // matches nothing is reported.
-std::vector<BatchActor> Select(const ListEntries& items, const std::vector<std::string>& patterns) {
+std::vector<BatchActor> Select(const ListEntries& items, const std::vector<std::string>& patterns,
+                               const char* extension) {
   std::vector<bool> chosen(items.size(), false);
   for (const std::string& pattern : patterns) {
     bool any = false;
@@ -49,7 +50,7 @@ std::vector<BatchActor> Select(const ListEntries& items, const std::vector<std::
     actors.push_back({reinterpret_cast<const PackEntry*>(items[i].data), items[i].text, {}});
     names.push_back(items[i].text);
   }
-  const std::vector<std::string> outputs = OutputNames(names, ".fbx");
+  const std::vector<std::string> outputs = OutputNames(names, extension);
   for (size_t i = 0; i < actors.size(); ++i) actors[i].output = outputs[i];
   return actors;
 }
@@ -72,7 +73,9 @@ int RunBatchConvert(const CliOptions& options) {
   }
   CliSession session;
   if (!session.Open(options, true)) return 2;
-  const std::vector<BatchActor> actors = Select(session.Window().Snapshot(kFileList).items, options.arguments);
+  const ExportFormat format = CliFormat(options, ExportFormat::kFbx);
+  const std::vector<BatchActor> actors = Select(session.Window().Snapshot(kFileList).items, options.arguments,
+                                                format == ExportFormat::kGlb ? ".glb" : ".fbx");
   if (actors.empty()) return 2;
 
   AppState& app = session.App();
@@ -83,6 +86,7 @@ int RunBatchConvert(const CliOptions& options) {
   settings.convert.batch = true;
   TextureStore textures(false);
   settings.convert.textures = options.textures;
+  settings.convert.format = format;
   settings.convert.textureStore = &textures;
   CatchInterrupt();
   BatchProgress progress(stdout, isatty(STDOUT_FILENO) != 0, u32(actors.size()));

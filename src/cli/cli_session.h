@@ -4,6 +4,7 @@
 #include <vector>
 
 #include "app/app_state.h"
+#include "app/convert_actor.h"
 #include "platform/headless_window_system.h"
 
 // What every command shares: the options, and the application bound to a headless window whose
@@ -19,6 +20,7 @@ struct CliOptions {
   std::string outDir;    // convert --out-dir: converts every actor that a pattern matches
   u32 jobs = 0;          // convert --jobs: conversions at once; 0 for one per processor
   bool textures = false;  // convert --textures: the textures as PNG files beside each file
+  std::string format;    // convert --format: "fbx" or "glb"; empty: by -o's extension, FBX for a batch
 };
 
 class CliSession {
@@ -40,5 +42,11 @@ class CliSession {
 
 int RunGames(const CliOptions& options);
 int RunList(const CliOptions& options);
+// The format --format names, or `otherwise` without it.
+inline ExportFormat CliFormat(const CliOptions& options, ExportFormat otherwise) {
+  if (options.format == "glb") return ExportFormat::kGlb;
+  return options.format == "fbx" ? ExportFormat::kFbx : otherwise;
+}
+
 int RunConvert(const CliOptions& options);
 int RunBatchConvert(const CliOptions& options);

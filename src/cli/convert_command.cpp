@@ -48,7 +48,7 @@ const ListEntry* FindActor(const ListEntries& items, const std::string& name) {
 // One actor to one file. The conversion is the window's: the same log lines, the same file.
 int RunConvert(const CliOptions& options) {
   if (options.argument.empty() || options.output.empty()) {
-    std::fprintf(stderr, "tarnwick-cli: convert needs an actor and -o FILE.fbx\n");
+    std::fprintf(stderr, "tarnwick-cli: convert needs an actor and -o FILE.fbx or -o FILE.glb\n");
     return 2;
   }
   CliSession session;
@@ -65,7 +65,7 @@ int RunConvert(const CliOptions& options) {
   PathAnswer save(options.output, rig);
   ConvertOutcome outcome;
   ConvertActor(GameTables{app.packIndex, app.materials, app.rigs}, *entry, item->text.c_str(), {save, rig}, outcome,
-               {.textures = options.textures});
+               {.textures = options.textures, .format = CliFormat(options, ExportFormat::kByExtension)});
   for (const std::string& note : outcome.notes) Log(app, "%s", note.c_str());
   if (outcome.logLine.Length()) Log(app, "%s", outcome.logLine.Text());
   switch (outcome.result) {

@@ -13,15 +13,17 @@ constexpr const char* kUsage =
     "Commands:\n"
     "  games                          the installed games that were found\n"
     "  list [PATTERN]                 the actor definitions, sorted; PATTERN filters as the search box\n"
-    "  convert ACTOR -o FILE.fbx [--rig NAME] [--textures]\n"
-    "                                 writes one actor; --rig picks the rig by animation set name\n"
-    "                                 when several fit\n"
-    "  convert PATTERN... --out-dir DIR [--jobs N] [--rig NAME] [--textures]\n"
+    "  convert ACTOR -o FILE.fbx|FILE.glb [--format fbx|glb] [--rig NAME] [--textures]\n"
+    "                                 writes one actor, as FBX or glTF binary by the file's\n"
+    "                                 extension unless --format says; --rig picks the rig by\n"
+    "                                 animation set name when several fit\n"
+    "  convert PATTERN... --out-dir DIR [--format fbx|glb] [--jobs N] [--rig NAME] [--textures]\n"
     "                                 writes every actor that a pattern matches (as the search box\n"
     "                                 matches whole names: '*' is every actor) below DIR, N at once\n"
     "                                 (default: one per processor); an actor that needs a rig\n"
     "                                 choice --rig doesn't answer is skipped; --textures writes\n"
     "                                 each file's textures as PNG files in FILE.fbm/ beside it\n"
+    "                                 (in a .glb, each mesh's diffuse texture goes inside it)\n"
     "\n"
     "Options:\n"
     "  --game NAME       the game to open (default: the first one found)\n"
@@ -72,6 +74,8 @@ int main(int argc, char** argv) {
       ok = take(options.rig);
     } else if (arg == "--textures") {
       options.textures = true;
+    } else if (arg == "--format") {
+      ok = take(options.format) && (options.format == "fbx" || options.format == "glb");
     } else if (arg == "--out-dir") {
       ok = take(options.outDir);
     } else if (arg == "--jobs") {
@@ -86,7 +90,9 @@ int main(int argc, char** argv) {
       options.arguments.push_back(arg);
     }
     if (!ok) {
-      std::fprintf(stderr, "tarnwick-cli: %s needs a value%s\n", arg.c_str(), arg == "--jobs" ? " from 1 to 64" : "");
+      std::fprintf(stderr, "tarnwick-cli: %s needs a value%s\n", arg.c_str(), arg == "--jobs"     ? " from 1 to 64"
+                                                           : arg == "--format" ? ": fbx or glb"
+                                                                               : "");
       return 2;
     }
   }

@@ -113,7 +113,7 @@ MainWindow::MainWindow(AppState& state) : app(state) {
     if (!windowSystem.ChangingSelection()) OnFileSelected(app);
   });
   QObject::connect(convertButton, &QPushButton::clicked, this,
-                   [this] { OnConvertButton(app, saveDialog, rigDialog, folderDialog, {.textures = texturesCheck->isChecked()}); });
+                   [this] { OnConvertButton(app, saveDialog, rigDialog, folderDialog, {.textures = texturesCheck->isChecked(), .format = ExportFormat::kByExtension}); });
   QObject::connect(cancelButton, &QPushButton::clicked, this, [this] { OnCancelButton(app); });
   QObject::connect(searchButton, &QPushButton::clicked, this, [this] { SearchRequest(app); });
   QObject::connect(gameButton, &QPushButton::clicked, this, [this] { OnGameButton(app); });

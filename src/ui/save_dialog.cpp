@@ -8,8 +8,14 @@ bool QtSaveDialog::AskSavePath(CStringBufferA& path) {
   dialog.setOption(QFileDialog::DontUseNativeDialog);
   dialog.setAcceptMode(QFileDialog::AcceptSave);
   dialog.setFileMode(QFileDialog::AnyFile);
-  dialog.setNameFilter(QStringLiteral("FBX ( *.fbx)"));
+  const QString fbx = QStringLiteral("FBX ( *.fbx)");
+  const QString glb = QStringLiteral("glTF binary ( *.glb)");
+  dialog.setNameFilters({fbx, glb});
   dialog.setDefaultSuffix(QStringLiteral("fbx"));
+  // A name without an extension takes the chosen type's; the extension then decides the format.
+  QObject::connect(&dialog, &QFileDialog::filterSelected, &dialog, [&dialog, glb](const QString& filter) {
+    dialog.setDefaultSuffix(filter == glb ? QStringLiteral("glb") : QStringLiteral("fbx"));
+  });
   if (dialog.exec() != QDialog::Accepted) return false;
   const QStringList files = dialog.selectedFiles();
   if (files.isEmpty()) return false;

@@ -4,8 +4,8 @@
 
 class QWidget;
 
-// The file dialog of Convert: FBX files only, a question before overwriting, ".fbx" added to a
-// name without it. No name is offered.
+// The file dialog of Convert: FBX or glTF binary files, a question before overwriting, the chosen
+// type's extension (".fbx" at first) added to a name without one. No name is offered.
 class QtSaveDialog final : public ISaveDialog {
  public:
   explicit QtSaveDialog(QWidget* owner) : parent(owner) {}

@@ -191,3 +191,43 @@ TEST(Cli, BatchConvertSummarisesAndExitsByWhatWasWritten) {
 }
 
 }  // namespace
+
+namespace {
+
+std::string Magic(const std::string& path) { return testsupport::ReadFileBytes(path).substr(0, 4); }
+
+TEST(Cli, TheOutputsExtensionOrFormatChoosesFbxOrGlb) {
+  testsupport::TempDir dir;
+  const std::string game = "--game-dir '" + FailingGame(dir) + "' convert ";
+  struct Case {
+    std::string arguments;
+    std::string file;
+    std::string magic;  // empty: nothing written
+    int status;
+  };
+  const Case cases[] = {
+      {"actors\\\\hero.adr -o '" + dir.Join("a.glb") + "'", "a.glb", "glTF", 0},
+      {"actors\\\\hero.adr -o '" + dir.Join("b.fbx") + "'", "b.fbx", "Kayd", 0},
+      {"actors\\\\hero.adr -o '" + dir.Join("c.fbx") + "' --format glb", "c.fbx", "glTF", 0},
+      {"actors\\\\hero.adr -o '" + dir.Join("d.glb") + "' --format fbx", "d.glb", "Kayd", 0},
+      {"actors\\\\hero.adr -o '" + dir.Join("e.glb") + "' --format obj", "e.glb", "", 2},
+      {"actors\\\\hero.adr -o '" + dir.Join("f.glb") + "' --format", "f.glb", "", 2},
+  };
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.arguments);
+    EXPECT_EQ(Cli(game + c.arguments).status, c.status);
+    EXPECT_EQ(std::filesystem::exists(dir.Join(c.file)) ? Magic(dir.Join(c.file)) : "", c.magic);
+  }
+  EXPECT_EQ(Lines(Cli(game + "actors\\\\hero.adr -o x.glb --format obj", true).out).front(),
+            "tarnwick-cli: --format needs a value: fbx or glb");
+
+  // A batch writes .glb files with --format glb, .fbx files otherwise.
+  const std::string out = dir.Join("batch");
+  EXPECT_EQ(Cli(game + "actors\\\\hero.adr --out-dir '" + out + "' --format glb").status, 0);
+  EXPECT_EQ(Magic(out + "/actors/hero.glb"), "glTF");
+  EXPECT_FALSE(std::filesystem::exists(out + "/actors/hero.fbx"));
+  EXPECT_EQ(Cli(game + "actors\\\\hero.adr --out-dir '" + out + "'").status, 0);
+  EXPECT_EQ(Magic(out + "/actors/hero.fbx"), "Kayd");
+}
+
+}  // namespace

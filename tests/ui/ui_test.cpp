@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <QApplication>
+#include <QComboBox>
 #include <QCoreApplication>
 #include <QDir>
 #include <QElapsedTimer>
@@ -200,6 +201,36 @@ TEST_F(DesktopTest, ConvertWritesTheSameFileAsTheCommandLine) {
   ASSERT_TRUE(testsupport::ReadFbxBinary(testsupport::ReadFileBytes(fromCli), b, error)) << error;
   ASSERT_EQ(a.records.size(), b.records.size());
   for (size_t i = 0; i < a.records.size(); ++i) ExpectSameRecords(a.records[i], b.records[i]);
+}
+
+TEST_F(DesktopTest, TheSaveDialogsGltfTypeWritesTheCommandLinesGlb) {
+  Select("actors\\wolf.adr");
+  const std::string fromCli = dir.Join("cli_wolf.glb");
+  // The user picks the second type and types a name without an extension.
+  bool answered = false;
+  QStringList types;
+  AnswerNextDialog<QFileDialog>([&](QFileDialog& dialog) {
+    types = dialog.nameFilters();
+    auto* typeBox = dialog.findChild<QComboBox*>(QStringLiteral("fileTypeCombo"));
+    ASSERT_TRUE(typeBox);
+    typeBox->setCurrentIndex(1);
+    emit typeBox->activated(1);
+    emit typeBox->textActivated(typeBox->currentText());
+    dialog.selectFile(QString::fromStdString(dir.Join("window_wolf")));
+    static_cast<QDialog&>(dialog).accept();
+    answered = true;
+  });
+  window.ConvertButton().click();
+  ASSERT_TRUE(answered);
+  EXPECT_EQ(types, QStringList({QStringLiteral("FBX ( *.fbx)"), QStringLiteral("glTF binary ( *.glb)")}));
+
+  const testsupport::SampleGamePaths paths = testsupport::SampleGameLayout(dir.Path());
+  const std::string command = std::string(TARNWICK_CLI) + " --data-dir '" + paths.userData +
+                              "' convert 'actors\\wolf.adr' -o '" + fromCli + "' 2>/dev/null >/dev/null";
+  ASSERT_EQ(std::system(command.c_str()), 0);
+  const std::string fromWindow = testsupport::ReadFileBytes(dir.Join("window_wolf.glb"));
+  EXPECT_EQ(fromWindow.substr(0, 4), "glTF");
+  EXPECT_EQ(fromWindow, testsupport::ReadFileBytes(fromCli));
 }
 
 TEST_F(DesktopTest, ConvertWithThreeSelectedWritesThemBelowAChosenFolder) {
