@@ -57,6 +57,6 @@ bool MatchPathCase(const char* path, CStringBufferA& out) {
     }
     built += part;
   }
-  if (built.empty() && IsSeparator(path[0])) built = "\\";
+  if (built.empty() && IsSeparator(path[0])) built.push_back('\\');
   return out.Assign(built.c_str()) && found;
 }

@@ -137,103 +137,70 @@ TEST(WineDiscovery, NothingFoundSaysWhereItLookedAndHowToOpenAGame) {
       "with --prefix DIR for a Wine prefix elsewhere.";
   Home home;
   const std::string data = home.Join("data");
-  const std::string wine = home.Join("home/.wine");
-  {
-    App app;
-    app.Start(home.Search());  // nothing at all below the home folder
-    const Lines log = app.NewLog();
-    ASSERT_EQ(log.size(), 4u);
-    EXPECT_EQ(log[0], "No installed game was found.");
-    EXPECT_EQ(log[1].rfind("Looked for digest files below /", 0), 0u) << "the platform's per-user folder";
-    EXPECT_EQ(log[2], "Found no Wine prefix at $WINEPREFIX, ~/.wine or in a Steam library");
-    EXPECT_EQ(log[3], hint);
-  }
-  ASSERT_TRUE(testsupport::MakeWinePrefix(wine, ""));
-  ASSERT_TRUE(testsupport::MakeWinePrefix(home.Join("elsewhere"), "carol"));
   GameSearch search = home.Search();
   search.userFolder = data.c_str();
+  {
+    App app;
+    app.Start(search);  // nothing at all below the home folder
+    EXPECT_EQ(app.NewLog(), (Lines{"No installed game was found.", "Looked for digest files below " + data,
+                                   "Found no Wine prefix at $WINEPREFIX, ~/.wine or in a Steam library", hint}));
+  }
+  ASSERT_TRUE(testsupport::MakeWinePrefix(home.Join("home/.wine"), ""));
+  ASSERT_TRUE(testsupport::MakeWinePrefix(home.Join("elsewhere"), "carol"));
   search.prefixes.prefixes = {home.Join("elsewhere")};
   App app;
   app.Start(search);
-  EXPECT_EQ(app.NewLog(),
-            (Lines{"No installed game was found.", "Looked for digest files below " + data,
-                   "Looked in the Wine prefix " + home.Join("elsewhere"), "Looked in the Wine prefix " + wine, hint}));
+  EXPECT_EQ(app.NewLog(), (Lines{"No installed game was found.", "Looked for digest files below " + data,
+                                 "Looked in the Wine prefix " + home.Join("elsewhere"),
+                                 "Looked in the Wine prefix " + home.Join("home/.wine"), hint}));
   EXPECT_EQ(app.window.GetCount(kGameCombo), 0);
 }
 
 TEST(OpenGameFolder, ListsSelectsAndOpensAFolderThatHoldsAGame) {
   Home home;
+  const std::string mine = home.Join("My Game");
+  WriteGame(mine);
   apptest::Installation installation;
   installation.Digest("Marrowgate Studio", "Dunmarrow", installation.dir.Join("nowhere"));
+  const std::string userFolder = installation.UserFolder();
+  GameSearch search;
+  search.userFolder = userFolder.c_str();
+  search.gameDir = mine.c_str();  // at start-up, instead of discovery
   App app;
-  app.Start(installation);
-  (void)app.NewLog();
+  app.Start(search);
+  EXPECT_EQ(app.NewLog(), (Lines{"Found game \"My Game\" at " + mine, "Initializing game data for My Game",
+                                 "Loaded assets for My Game", "Loaded materials_3.xml."}));
+  const auto combo = app.window.Snapshot(kGameCombo);
+  ASSERT_EQ(combo.items.size(), 1u);
+  EXPECT_EQ(combo.items[0].text, "My Game");
+  EXPECT_EQ(combo.items[0].data, i32(kGameCount));
+  EXPECT_EQ(app.window.GetCurSel(kGameCombo), 0);
+  EXPECT_EQ(app.Texts(kFileList), Lines{"actors\\hero.adr"});
 
   OpenGameFolder(app.state, home.Join("empty").c_str());
   EXPECT_EQ(app.NewLog(), Lines{"No game in " + home.Join("empty") + ": it holds no Resources/Assets/assets_000.pack"});
-  EXPECT_EQ(app.window.GetCount(kGameCombo), 1);
-
   struct Answer : IFolderDialog {
     std::string folder;
     bool AskFolder(CStringBufferA& path) override { return !folder.empty() && path.Format("%s", folder.c_str()) > 0; }
   } dialog;
   OnOpenFolderButton(app.state, dialog);  // cancelled
-  EXPECT_TRUE(app.NewLog().empty());
-
-  const std::string mine = home.Join("My Game");
-  WriteGame(mine);
+  // The same folder again: selected, neither listed twice nor loaded again.
   dialog.folder = mine + "/";
   OnOpenFolderButton(app.state, dialog);
   WaitForWorker(app.state);
-  EXPECT_EQ(app.NewLog(), (Lines{"Found game \"My Game\" at " + mine, "Initializing game data for My Game",
-                                 "Loaded assets for My Game", "Loaded materials_3.xml."}));
-  auto combo = app.window.Snapshot(kGameCombo);
-  ASSERT_EQ(combo.items.size(), 2u);
-  EXPECT_EQ(combo.items[1].text, "My Game");
-  EXPECT_EQ(combo.items[1].data, i32(kGameCount));
-  EXPECT_EQ(combo.selection, 1);
-  EXPECT_EQ(app.state.currentGame, i32(kGameCount));
-  EXPECT_EQ(app.Texts(kFileList), Lines{"actors\\hero.adr"});
-
-  // The same folder again: selected, not listed twice, and not loaded again while it is loaded.
-  app.window.SetCurSel(kGameCombo, 0);
-  OpenGameFolder(app.state, mine.c_str());
-  WaitForWorker(app.state);
   EXPECT_TRUE(app.NewLog().empty());
-  EXPECT_EQ(app.window.GetCount(kGameCombo), 2);
-  EXPECT_EQ(app.window.GetCurSel(kGameCombo), 1);
-
-  // A row past the folders opened is no game.
-  SelectGame(app.state, kGameCount + 1);
+  EXPECT_EQ(app.window.GetCount(kGameCombo), 1);
+  SelectGame(app.state, kGameCount + 1);  // a row past the folders opened is no game
   EXPECT_EQ(app.state.currentGame, i32(kGameCount));
 
-  for (u32 n = 1; n < kOpenedFolderCount; ++n) {
+  for (u32 n = 1; n <= kOpenedFolderCount; ++n) {
     WriteGame(home.Join("more/" + std::to_string(n)));
     OpenGameFolder(app.state, home.Join("more/" + std::to_string(n)).c_str());
     WaitForWorker(app.state);
   }
-  (void)app.NewLog();
-  WriteGame(home.Join("one too many"));
-  OpenGameFolder(app.state, home.Join("one too many").c_str());
-  EXPECT_EQ(app.NewLog(), Lines{"No room to list " + home.Join("one too many") + ": 8 folders are open already"});
-  EXPECT_EQ(app.window.GetCount(kGameCombo), i32(1 + kOpenedFolderCount));
-}
-
-TEST(OpenGameFolder, AGameDirectoryAtStartUpIsOpenedInsteadOfDiscovery) {
-  Home home;
-  WriteGame(home.Join("game"));
-  apptest::Installation installation;
-  installation.Digest("Marrowgate Studio", "Dunmarrow", installation.dir.Join("nowhere"));
-  GameSearch search;
-  const std::string userFolder = installation.UserFolder();
-  search.userFolder = userFolder.c_str();
-  const std::string game = home.Join("game");
-  search.gameDir = game.c_str();
-  App app;
-  app.Start(search);
-  EXPECT_EQ(app.NewLog(), (Lines{"Found game \"game\" at " + game, "Initializing game data for game",
-                                 "Loaded assets for game", "Loaded materials_3.xml."}));
-  EXPECT_EQ(app.window.GetCount(kGameCombo), 1);
+  EXPECT_EQ(app.NewLog().back(), "No room to list " + home.Join("more/8") + ": 8 folders are open already");
+  EXPECT_EQ(app.window.GetCount(kGameCombo), i32(kOpenedFolderCount));
+  EXPECT_EQ(app.state.currentGame, i32(kGameCount + kOpenedFolderCount - 1));
 }
 
 }  // namespace

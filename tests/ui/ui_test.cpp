@@ -268,36 +268,18 @@ TEST_F(DesktopTest, ReturnInTheSearchEditSearchesOnReleaseWithoutTyping) {
   EXPECT_EQ(edit.text(), QStringLiteral("wolf"));
 }
 
-// The log line `index` of the window.
-std::string LogLine(QtWindowSystem& windows, i32 index) {
-  char line[512] = {};
-  if (windows.GetTextLength(kLogList, index) >= 512 || windows.GetText(kLogList, index, line) < 0) return {};
-  return line;
-}
-
-void OpenFolder(MainWindow& window, const std::string& folder) {
-  AnswerNextDialog<QFileDialog>([folder](QFileDialog& dialog) {
-    dialog.setDirectory(QString::fromStdString(folder));
-    dialog.selectFile(QString::fromStdString(folder));
-    static_cast<QDialog&>(dialog).accept();
-  });
-  window.OpenFolderButton().click();
-}
-
 TEST_F(DesktopTest, OpenFolderListsSelectsAndOpensAnyFolderThatHoldsAGame) {
   testsupport::TempDir other;
   ASSERT_TRUE(testsupport::BuildSampleGame(other.Path(), nullptr));
   const std::string game = testsupport::SampleGameLayout(other.Path()).game;
-  QtWindowSystem& windows = window.Window();
-  const i32 logged = windows.GetCount(kLogList);
-  OpenFolder(window, other.Path());
-  ASSERT_EQ(windows.GetCount(kLogList), logged + 1);
-  EXPECT_EQ(LogLine(windows, logged), "No game in " + other.Path() + ": it holds no Resources/Assets/assets_000.pack");
-  EXPECT_EQ(windows.GetCount(kGameCombo), 1);
-
-  OpenFolder(window, game);
+  AnswerNextDialog<QFileDialog>([game](QFileDialog& dialog) {
+    dialog.setDirectory(QString::fromStdString(game));
+    dialog.selectFile(QString::fromStdString(game));
+    static_cast<QDialog&>(dialog).accept();
+  });
+  window.OpenFolderButton().click();
   ASSERT_TRUE(PumpUntil([&] { return app.ready && !app.workerBusy && app.currentGame == i32(kGameCount); }));
-  EXPECT_EQ(LogLine(windows, logged + 1), "Found game \"game\" at " + game);
+  QtWindowSystem& windows = window.Window();
   EXPECT_EQ(windows.GetCount(kGameCombo), 2);
   EXPECT_EQ(windows.GetCurSel(kGameCombo), 1);
   EXPECT_EQ(windows.GetCount(kFileList), 10);
