@@ -20,6 +20,7 @@ constexpr Target kTargets[] = {
     {"catalogue", &CatalogueSeeds},
     {"actor", &ActorSeeds},
     {"image", &ImageSeeds},
+    {"library_folders", &LibraryFoldersSeeds},
 };
 
 }  // namespace

@@ -14,3 +14,4 @@ Seeds RigNetworkSeeds();
 Seeds CatalogueSeeds();
 Seeds ActorSeeds();
 Seeds ImageSeeds();
+Seeds LibraryFoldersSeeds();
