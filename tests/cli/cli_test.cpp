@@ -23,12 +23,12 @@ struct CliRun {
 };
 
 // The command line program with `arguments`: its standard output, or with `errors` its standard
-// error; the other is dropped. It runs with `home` as the home folder and no $WINEPREFIX, so that
-// the real home's prefixes stay out of it.
+// error; the other is dropped. It runs with `home` as the home folder, without $WINEPREFIX and
+// $XDG_DATA_HOME, so that the real home's digests and prefixes stay out of it.
 CliRun Cli(const std::string& arguments, bool errors = false, const std::string& home = "/nonexistent") {
   CliRun run;
   const std::string redirect = errors ? " 2>&1 >/dev/null" : " 2>/dev/null";
-  const std::string environment = "env -u WINEPREFIX HOME='" + home + "' ";
+  const std::string environment = "env -u WINEPREFIX -u XDG_DATA_HOME HOME='" + home + "' ";
   FILE* pipe = popen((environment + TARNWICK_CLI + " " + arguments + redirect).c_str(), "r");
   if (!pipe) return run;
   char buffer[4096];
