@@ -21,6 +21,7 @@ constexpr Target kTargets[] = {
     {"catalogue", &CatalogueSeeds},
     {"actor", &ActorSeeds},
     {"image", &ImageSeeds},
+    {"library_folders", &LibraryFoldersSeeds},
 };
 
 }  // namespace

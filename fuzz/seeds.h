@@ -15,3 +15,4 @@ Seeds RigNetworkSeeds();
 Seeds CatalogueSeeds();
 Seeds ActorSeeds();
 Seeds ImageSeeds();
+Seeds LibraryFoldersSeeds();

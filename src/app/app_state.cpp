@@ -6,7 +6,7 @@ const char* const kGameNames[kGameCount] = {
 };
 
 AppState::AppState() {
-  for (u32 i = 0; i < kGameCount; ++i) games[i].name = kGameNames[i];
+  for (u32 i = 0; i < kGameSlotCount; ++i) games[i].name = i < kGameCount ? kGameNames[i] : nullptr;
 }
 
 AppState::~AppState() {

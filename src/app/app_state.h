@@ -11,13 +11,19 @@
 #include "platform/window_system.h"
 
 // One row of the known-game table: the display name, which is also the digest's base name, and the
-// installation folder that discovery found (empty until then).
+// installation folder that discovery found (empty until then). Rows past the known games hold the
+// folders opened by hand, named after the folder.
 struct GameSlot {
   const char* name;
   CStringBufferA folder;
+  // Found through a Wine prefix: its files are named as on Windows, where case doesn't count.
+  bool windowsCase = false;
+  CStringBufferA label;  // a folder opened by hand: its name, which `name` points into
 };
 
 constexpr u32 kGameCount = 8;
+constexpr u32 kOpenedFolderCount = 8;
+constexpr u32 kGameSlotCount = kGameCount + kOpenedFolderCount;
 
 // Everything the program holds from start-up to shut-down: the window it speaks to, the games,
 // the three tables of the loaded game and the worker.
@@ -30,6 +36,7 @@ struct AppState {
   IWindowSystem* window = nullptr;  // the main window's controls; null until the dialog exists
   IRenderWindow* renderWindow = nullptr;  // the preview, owned by the window; null without one
   TStringBufferA<512> lineBuffer;   // one log line at a time, under logLock
+  CStringBufferA userFolder;  // the native per-user folder, normalised
   CStringBufferA olderMakerFolder;
   CStringBufferA newerMakerFolder;
   CSpinLock logLock;
@@ -38,7 +45,8 @@ struct AppState {
   std::atomic<bool> ready{false};
   std::atomic<i32> currentGame{-1};
 
-  GameSlot games[kGameCount];
+  GameSlot games[kGameSlotCount];
+  u32 openedFolders = 0;  // rows kGameCount and up that a folder opened by hand fills
   PackIndex packIndex;
   MaterialDefinitionSet materials;
   RigTable rigs;
@@ -53,3 +61,6 @@ struct AppState {
 
 // The known games, in table order.
 extern const char* const kGameNames[kGameCount];
+
+// The rows that may be selected: the known games and the folders opened so far.
+inline u32 GameRowCount(const AppState& app) { return kGameCount + app.openedFolders; }

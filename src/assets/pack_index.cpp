@@ -5,6 +5,7 @@
 
 #include "assets/block_reader.h"
 #include "assets/normalize_path.h"
+#include "platform/path_case.h"
 
 namespace {
 
@@ -38,18 +39,21 @@ class ChainLoopCheck {
 
 }  // namespace
 
-bool PackIndex::Open(const char* folder) {
+bool PackIndex::Open(const char* folder, bool anyCase) {
   Clear();
   if (!folder) return false;
   TStringBufferA<261> root;
   NormalizePath(folder, root);
   TStringBufferA<261> path;
   TStringBufferA<261> name;
+  TStringBufferA<261> found;
   CByteBuffer block(BlockReader::kBlockSize);
   for (u32 number = 0; number != kLastPackNumber; ++number) {
     path.Format("%s\\assets_%.3u.pack", root.Text(), number);
     FileHandle file;
-    if (!file.Open(path.Text())) return true;
+    if (!file.Open(path.Text()) && !(anyCase && MatchPathCase(path.Text(), found) && file.Open(found.Text()))) {
+      return true;
+    }
     TOwned<PackFile> node(MemNew<PackFile>(std::move(file)));
     if (!node) {
       Clear();

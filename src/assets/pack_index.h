@@ -29,7 +29,9 @@ class PackIndex {
 
   // Replaces the whole index with the packs in `folder`. A missing first pack is no failure (the
   // index is just empty); a bad directory in any pack empties the index and closes every pack.
-  [[nodiscard]] bool Open(const char* folder);
+  // With `anyCase` a pack whose name differs from assets_NNN.pack only in case is found too, as
+  // Windows finds it.
+  [[nodiscard]] bool Open(const char* folder, bool anyCase = false);
   // Empties the table, keeping its storage, and closes all packs.
   void Clear();
 

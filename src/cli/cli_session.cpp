@@ -29,7 +29,7 @@ bool CliSession::Open(const CliOptions& options, bool load) {
     NormalizePath(options.gameDir.c_str(), app.games[row].folder);
     if (load) SelectGame(app, u32(row));
   } else {
-    InitMainDialog(app, window, options.dataDir.empty() ? nullptr : options.dataDir.c_str());
+    InitMainDialog(app, window, UserGameSearch(options.dataDir.empty() ? nullptr : options.dataDir.c_str(), options.prefixes));
     Wait();
     if (!app.window || window.GetCount(kGameCombo) == 0) {
       std::fprintf(stderr, "tarnwick-cli: no installed game was found\n");

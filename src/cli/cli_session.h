@@ -13,6 +13,7 @@ struct CliOptions {
   std::string game;      // --game: a known game's name; empty for the first one found
   std::string dataDir;   // --data-dir: the per-user folder; empty for the platform's
   std::string gameDir;   // --game-dir: an installation folder; skips discovery
+  std::vector<std::string> prefixes;  // --prefix: Wine prefixes to look in before the usual ones
   std::string output;    // convert -o
   std::string rig;       // convert --rig: the animation set of the rig to take
   std::string argument;  // the pattern of list, the actor of convert: the first of `arguments`

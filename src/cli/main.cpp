@@ -29,6 +29,8 @@ constexpr const char* kUsage =
     "  --game NAME       the game to open (default: the first one found)\n"
     "  --data-dir DIR    the per-user folder that holds the digest files\n"
     "  --game-dir DIR    an installation folder to open, without looking for digests\n"
+    "  --prefix DIR      a Wine prefix to look in for digests first (again for more)\n"
+    "  --version         the version\n"
     "  --help            this text\n"
     "\n"
     "Log lines go to standard error; the exit status is 0 on success, 1 when something failed\n"
@@ -62,6 +64,11 @@ int main(int argc, char** argv) {
     if (arg == "--help" || arg == "-h") {
       std::fputs(kUsage, stdout);
       return 0;
+    } else if (arg == "--version") {
+      std::printf("tarnwick-cli %s\n", TARNWICK_VERSION);
+      return 0;
+    } else if (arg == "--prefix") {
+      ok = take(options.prefixes.emplace_back());
     } else if (arg == "--game") {
       ok = take(options.game);
     } else if (arg == "--data-dir") {

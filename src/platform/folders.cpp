@@ -1,11 +1,15 @@
 #include "platform/folders.h"
 
+#include <dirent.h>
 #include <limits.h>
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
+#include <cstdlib>
+#include <cstring>
 
 #include "platform/file_handle.h"
 
@@ -42,4 +46,36 @@ bool SyncFileSystem(const char* path) {
   const bool synced = ::syncfs(fd) == 0;
   ::close(fd);
   return synced;
+}
+
+bool ListFolder(const char* path, std::vector<std::string>& names) {
+  names.clear();
+  char platformPath[PATH_MAX];
+  if (!path || !ToPlatformPath(path, platformPath, sizeof(platformPath))) return false;
+  DIR* folder = ::opendir(platformPath[0] ? platformPath : ".");
+  if (!folder) return false;
+  while (const dirent* entry = ::readdir(folder)) {
+    if (std::strcmp(entry->d_name, ".") != 0 && std::strcmp(entry->d_name, "..") != 0) names.emplace_back(entry->d_name);
+  }
+  ::closedir(folder);
+  // readdir's order is the file system's; callers want the same answer every time.
+  std::sort(names.begin(), names.end());
+  return true;
+}
+
+bool IsFolder(const char* path) {
+  char platformPath[PATH_MAX];
+  if (!path || !ToPlatformPath(path, platformPath, sizeof(platformPath))) return false;
+  struct stat info {};
+  return ::stat(platformPath, &info) == 0 && S_ISDIR(info.st_mode);
+}
+
+bool RealPath(const char* path, std::string& out) {
+  out.clear();
+  char platformPath[PATH_MAX];
+  char resolved[PATH_MAX];
+  if (!path || !ToPlatformPath(path, platformPath, sizeof(platformPath))) return false;
+  if (!::realpath(platformPath, resolved)) return false;
+  out = resolved;
+  return true;
 }

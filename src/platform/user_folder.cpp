@@ -19,9 +19,13 @@ bool GetUserDataFolder(CStringBufferA& out) {
     out.Assign(xdg);
     return out.Length() > 0;
   }
-  if (const char* home = std::getenv("HOME"); home && home[0]) {
-    return out.Format(kDataBelowHome, home) > 0;
-  }
+  TStringBufferA<512> home;
+  return GetHomeFolder(home) && out.Format(kDataBelowHome, home.Text()) > 0;
+}
+
+bool GetHomeFolder(CStringBufferA& out) {
+  out.Clear(false);
+  if (const char* home = std::getenv("HOME"); home && home[0]) return out.Assign(home) && out.Length() > 0;
   char scratch[4096];
   passwd entry;
   passwd* found = nullptr;
@@ -29,5 +33,5 @@ bool GetUserDataFolder(CStringBufferA& out) {
       !found->pw_dir || !found->pw_dir[0]) {
     return false;
   }
-  return out.Format(kDataBelowHome, found->pw_dir) > 0;
+  return out.Assign(found->pw_dir) && out.Length() > 0;
 }

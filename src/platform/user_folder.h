@@ -6,3 +6,6 @@
 // is an absolute path, else $HOME/.local/share, else the password entry's home + /.local/share.
 // False when none of them is known.
 [[nodiscard]] bool GetUserDataFolder(CStringBufferA& out);
+
+// The user's home folder: $HOME when set, else the password entry's. False when neither is known.
+[[nodiscard]] bool GetHomeFolder(CStringBufferA& out);

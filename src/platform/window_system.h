@@ -22,6 +22,7 @@ enum ControlId : i32 {
   kStatusText = 1014,
   kInfoText = 1020,
   kCancelButton = 1021,  // stops a batch conversion; shown only while one runs
+  kOpenFolderButton = 1022,  // "Open folder...": lists and opens any installation folder
 };
 
 // Answers of the list operations.

@@ -3,7 +3,7 @@
 #include <QFileDialog>
 
 bool QtFolderDialog::AskFolder(CStringBufferA& path) {
-  QFileDialog dialog(parent, QStringLiteral("Convert the selected actors to the folder"));
+  QFileDialog dialog(parent, QString::fromUtf8(title));
   // The toolkit's own dialog, as for saving one file: the same everywhere, and tests can answer it.
   dialog.setOption(QFileDialog::DontUseNativeDialog);
   dialog.setFileMode(QFileDialog::Directory);

@@ -14,6 +14,7 @@
 #include "app/batch_worker.h"
 #include "app/file_list.h"
 #include "app/game_selection.h"
+#include "app/open_game_folder.h"
 #include "app/worker.h"
 #include "ui/dialog_units.h"
 #include "ui/render_control.h"
@@ -80,6 +81,11 @@ MainWindow::MainWindow(AppState& state) : app(state) {
   gameCombo->setGeometry(units.ToPixels(6, 234, 66, 14));
   windowSystem.AddCombo(kGameCombo, gameModel, gameCombo);
 
+  // Under the progress bar, in the selector's strip: any installation folder becomes a game.
+  openFolderButton = new QPushButton(QStringLiteral("Open folder..."), this);
+  openFolderButton->setGeometry(units.ToPixels(200, 247, 64, 10));
+  windowSystem.AddControl(kOpenFolderButton, openFolderButton);
+
   auto* searchButton = new QPushButton(QStringLiteral(">"), this);
   searchButton->setGeometry(units.ToPixels(156, 6, 13, 14));
   windowSystem.AddControl(kSearchButton, searchButton);
@@ -117,6 +123,8 @@ MainWindow::MainWindow(AppState& state) : app(state) {
   QObject::connect(cancelButton, &QPushButton::clicked, this, [this] { OnCancelButton(app); });
   QObject::connect(searchButton, &QPushButton::clicked, this, [this] { SearchRequest(app); });
   QObject::connect(gameButton, &QPushButton::clicked, this, [this] { OnGameButton(app); });
+  QObject::connect(openFolderButton, &QPushButton::clicked, this,
+                   [this] { OnOpenFolderButton(app, gameFolderDialog); });
 }
 
 MainWindow::~MainWindow() {
@@ -126,10 +134,16 @@ MainWindow::~MainWindow() {
   app.window = nullptr;
 }
 
-void MainWindow::Start(const char* userFolder) {
+void MainWindow::Start(const GameSearch& search) {
   // Without a context within a few seconds the preview stays blank; the rest works all the same.
   (void)renderControl->WaitForContext(5000);
-  InitMainDialog(app, windowSystem, userFolder);
+  InitMainDialog(app, windowSystem, search);
+}
+
+void MainWindow::Start(const char* userFolder) {
+  GameSearch search;
+  search.userFolder = userFolder;
+  Start(search);
 }
 
 void MainWindow::closeEvent(QCloseEvent* event) {

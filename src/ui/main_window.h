@@ -3,6 +3,7 @@
 #include <QWidget>
 
 #include "app/app_state.h"
+#include "app/game_search.h"
 #include "ui/folder_dialog.h"
 #include "ui/qt_window_system.h"
 #include "ui/rig_dialog.h"
@@ -22,8 +23,10 @@ class MainWindow final : public QWidget {
   explicit MainWindow(AppState& app);
   ~MainWindow() override;
 
-  // Binds the application to the window and finds the games under `userFolder` (null: the
-  // platform's per-user folder). Call once the window is shown: the preview waits for its graphics.
+  // Binds the application to the window and finds the games where `search` says. Call once the
+  // window is shown: the preview waits for its graphics.
+  void Start(const GameSearch& search);
+  // The same with the digest files under `userFolder` alone (null: the platform's per-user folder).
   void Start(const char* userFolder);
 
   QtWindowSystem& Window() { return windowSystem; }
@@ -32,6 +35,7 @@ class MainWindow final : public QWidget {
   QLineEdit& SearchEdit() { return *searchEdit; }
   QPushButton& ConvertButton() { return *convertButton; }
   QPushButton& CancelButton() { return *cancelButton; }
+  QPushButton& OpenFolderButton() { return *openFolderButton; }
   QCheckBox& TexturesCheck() { return *texturesCheck; }
 
  protected:
@@ -44,10 +48,12 @@ class MainWindow final : public QWidget {
   QtSaveDialog saveDialog{this};
   QtRigDialog rigDialog{this};
   QtFolderDialog folderDialog{this};
+  QtFolderDialog gameFolderDialog{this, "Open a game's installation folder"};
   QListView* fileView = nullptr;
   QLineEdit* searchEdit = nullptr;
   QPushButton* convertButton = nullptr;
   QPushButton* cancelButton = nullptr;
+  QPushButton* openFolderButton = nullptr;
   QCheckBox* texturesCheck = nullptr;
   RenderControl* renderControl = nullptr;  // owned by its container, a child of this window
 };

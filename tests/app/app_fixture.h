@@ -46,6 +46,10 @@ struct App {
     InitMainDialog(state, window, installation.UserFolder().c_str());
     WaitForWorker(state);
   }
+  void Start(const GameSearch& search) {
+    InitMainDialog(state, window, search);
+    WaitForWorker(state);
+  }
   std::vector<std::string> Texts(i32 control) {
     std::vector<std::string> texts;
     for (const auto& item : window.Snapshot(control).items) texts.push_back(item.text);

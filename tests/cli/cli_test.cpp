@@ -12,6 +12,7 @@
 #include "support/sample_game.h"
 #include "support/skinned_actor.h"
 #include "support/temp_dir.h"
+#include "support/wine_prefix.h"
 #include "support/xml_writer.h"
 
 namespace {
@@ -22,11 +23,13 @@ struct CliRun {
 };
 
 // The command line program with `arguments`: its standard output, or with `errors` its standard
-// error; the other is dropped.
-CliRun Cli(const std::string& arguments, bool errors = false) {
+// error; the other is dropped. It runs with `home` as the home folder, without $WINEPREFIX and
+// $XDG_DATA_HOME, so that the real home's digests and prefixes stay out of it.
+CliRun Cli(const std::string& arguments, bool errors = false, const std::string& home = "/nonexistent") {
   CliRun run;
   const std::string redirect = errors ? " 2>&1 >/dev/null" : " 2>/dev/null";
-  FILE* pipe = popen((std::string(TARNWICK_CLI) + " " + arguments + redirect).c_str(), "r");
+  const std::string environment = "env -u WINEPREFIX -u XDG_DATA_HOME HOME='" + home + "' ";
+  FILE* pipe = popen((environment + TARNWICK_CLI + " " + arguments + redirect).c_str(), "r");
   if (!pipe) return run;
   char buffer[4096];
   for (size_t n; (n = std::fread(buffer, 1, sizeof(buffer), pipe)) > 0;) run.out.append(buffer, n);
@@ -188,6 +191,52 @@ TEST(Cli, BatchConvertSummarisesAndExitsByWhatWasWritten) {
   };
   for (const Case& c : cases) EXPECT_EQ(Cli(c.arguments).status, c.status) << c.arguments;
   EXPECT_EQ(std::distance(std::filesystem::directory_iterator(dir.Join("all/actors")), {}), 10);
+}
+
+TEST(Cli, FindsListsAndConvertsAGameInAProtonPrefixOrAPrefixGivenByHand) {
+  testsupport::TempDir temp;
+  ASSERT_TRUE(testsupport::BuildSampleGame(temp.Path(), nullptr));
+  const std::string base = std::filesystem::canonical(temp.Path()).string();
+  const std::string home = base + "/home";
+  const std::string library = base + "/library";
+  const std::string proton = library + "/steamapps/compatdata/99/pfx";
+  const std::string game = library + "/steamapps/common/Aldermoor";
+  const std::string steam = home + "/.local/share/Steam";
+  ASSERT_TRUE(testsupport::MakeWinePrefix(proton, "steamuser"));
+  std::filesystem::create_directories(library + "/steamapps/common");
+  std::filesystem::rename(base + "/game", game);
+  std::string windowsGame = "Z:" + game;
+  for (char& c : windowsGame) c = c == '/' ? '\\' : c;
+  ASSERT_TRUE(testsupport::WritePrefixDigest(proton, "steamuser", "Marrowgate Studio", "Aldermoor", windowsGame));
+  ASSERT_TRUE(testsupport::WriteFileBytes(steam + "/steamapps/libraryfolders.vdf",
+                                          testsupport::LibraryFoldersVdf({steam, library})));
+  const std::string noData = "--data-dir '" + base + "/empty' ";
+
+  const CliRun games = Cli(noData + "games", false, home);
+  EXPECT_EQ(games.status, 0);
+  EXPECT_EQ(games.out, "Aldermoor\t" + game + "\n");
+  EXPECT_EQ(Lines(Cli(noData + "games", true, home).out)[0],
+            "Found game \"Aldermoor\" at " + game + " (in the Wine prefix " + proton + ")");
+  EXPECT_EQ(Lines(Cli(noData + "list", false, home).out).size(), 10u);
+  const std::string file = base + "/knight.fbx";
+  EXPECT_EQ(Cli(noData + "convert 'actors\\knight.adr' -o '" + file + "'", false, home).status, 0);
+  EXPECT_GT(std::filesystem::file_size(file), 1000u);
+
+  // Without the Steam library in the home folder, the prefix is found when it is given.
+  EXPECT_EQ(Cli(noData + "--prefix '" + proton + "' games").out, "Aldermoor\t" + game + "\n");
+  const CliRun none = Cli(noData + "games", true);
+  EXPECT_EQ(none.status, 1);
+  EXPECT_EQ(Lines(none.out),
+            (std::vector<std::string>{
+                "No installed game was found.", "Looked for digest files below " + base + "/empty",
+                "Found no Wine prefix at $WINEPREFIX, ~/.wine or in a Steam library",
+                "To open a game, choose its installation folder with \"Open folder...\", or start with --game-dir DIR, "
+                "or with --prefix DIR for a Wine prefix elsewhere.",
+                "tarnwick-cli: no installed game was found"}));
+  EXPECT_EQ(Cli("--prefix").status, 2);
+  const CliRun version = Cli("--version");
+  EXPECT_EQ(version.status, 0);
+  EXPECT_EQ(version.out.rfind("tarnwick-cli ", 0), 0u) << version.out;
 }
 
 }  // namespace

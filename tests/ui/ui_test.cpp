@@ -299,6 +299,24 @@ TEST_F(DesktopTest, ReturnInTheSearchEditSearchesOnReleaseWithoutTyping) {
   EXPECT_EQ(edit.text(), QStringLiteral("wolf"));
 }
 
+TEST_F(DesktopTest, OpenFolderListsSelectsAndOpensAnyFolderThatHoldsAGame) {
+  testsupport::TempDir other;
+  ASSERT_TRUE(testsupport::BuildSampleGame(other.Path(), nullptr));
+  const std::string game = testsupport::SampleGameLayout(other.Path()).game;
+  AnswerNextDialog<QFileDialog>([game](QFileDialog& dialog) {
+    dialog.setDirectory(QString::fromStdString(game));
+    dialog.selectFile(QString::fromStdString(game));
+    static_cast<QDialog&>(dialog).accept();
+  });
+  window.OpenFolderButton().click();
+  ASSERT_TRUE(PumpUntil([&] { return app.ready && !app.workerBusy && app.currentGame == i32(kGameCount); }));
+  QtWindowSystem& windows = window.Window();
+  EXPECT_EQ(windows.GetCount(kGameCombo), 2);
+  EXPECT_EQ(windows.GetCurSel(kGameCombo), 1);
+  EXPECT_EQ(windows.GetCount(kFileList), 10);
+  EXPECT_TRUE(window.OpenFolderButton().isEnabled());
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
