@@ -8,6 +8,7 @@
 #include <cstdint>
 #include <cstring>
 
+#include "fuzz_input.h"
 #include "mesh/export_mesh.h"
 #include "mesh/preview_mesh.h"
 
@@ -52,10 +53,8 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   InputLayout layout;
   u32 flags = 0;
   if (!ReadLayout(data, size, layout, flags)) return 0;
-  // Granule 1: exactly the model's length, so a read past it lands outside the block.
   CByteBuffer bytes(1);
-  if (size > UINT32_MAX || !bytes.SetSize(static_cast<u32>(size))) return 0;
-  if (size) std::memcpy(bytes.Data(), data, size);
+  if (!CopyInput(data, size, bytes)) return 0;
   ModelFile model;
   ModelMaterials materials;
   if (!Read(model, bytes, materials)) return 0;

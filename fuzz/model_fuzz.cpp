@@ -3,13 +3,12 @@
 #include <cstdint>
 #include <cstring>
 
+#include "fuzz_input.h"
 #include "gamedata/model_file.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
-  // Granule 1: exactly the input's length, so a read past it lands outside the block.
   CByteBuffer bytes(1);
-  if (size > UINT32_MAX || !bytes.SetSize(static_cast<u32>(size))) return 0;
-  if (size) std::memcpy(bytes.Data(), data, size);
+  if (!CopyInput(data, size, bytes)) return 0;
   ModelFile model;
   ModelMaterials materials;
   if (!Read(model, bytes, materials)) return 0;
@@ -19,7 +18,8 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
         __builtin_trap();
       }
     }
-    if (mesh.indexData.Size() != mesh.indexDataSize || u64(mesh.bytesPerIndex) * mesh.indexCount != mesh.indexDataSize) {
+    if (mesh.indexData.Size() != mesh.indexDataSize ||
+        u64(mesh.bytesPerIndex) * mesh.indexCount != mesh.indexDataSize) {
       __builtin_trap();
     }
   }

@@ -4,13 +4,12 @@
 #include <cstring>
 
 #include "core/hash.h"
+#include "fuzz_input.h"
 #include "gamedata/model_file.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
-  // Granule 1: exactly the input's length, so a read past it lands outside the block.
   CByteBuffer bytes(1);
-  if (size > UINT32_MAX || !bytes.SetSize(static_cast<u32>(size))) return 0;
-  if (size) std::memcpy(bytes.Data(), data, size);
+  if (!CopyInput(data, size, bytes)) return 0;
   ByteReader reader(bytes);
   ModelMaterials materials;
   if (!ReadMaterials(materials, reader)) return 0;
