@@ -162,7 +162,7 @@ bool Build(ExportMesh& out, const ModelFile& model, const ModelMesh& mesh, const
            u32 materialFlags) {
   Clear(out);
   // A Position that doesn't fit its stream fails the mesh, rather than reading outside it.
-  const LayoutEntry* position = FindFittingElement(mesh, layout, kPosition);
+  const LayoutEntry* position = FindPositionElement(mesh, layout);
   const u32 vertexCount = mesh.vertexCount;
   if (!ReadIndices(mesh, out.indices) || !position || !out.vertices.Reserve(vertexCount) ||
       !out.vertices.SetSize(vertexCount)) {

@@ -85,7 +85,7 @@ void BuildFlat(PreviewMesh& out, const ModelMesh& mesh, const InputLayout* layou
 
 bool BuildPreview(PreviewMesh& out, const ModelMesh& mesh, const InputLayout* layout) {
   Clear(out);
-  const LayoutEntry* position = FindFittingElement(mesh, layout, kPosition);
+  const LayoutEntry* position = FindPositionElement(mesh, layout);
   if (!ReadIndices(mesh, out.indices) || !position) {
     Clear(out);
     return false;

@@ -80,6 +80,11 @@ const LayoutEntry* FindFittingElement(const ModelMesh& mesh, const InputLayout* 
   return entry && ElementFits(mesh, *entry) ? entry : nullptr;
 }
 
+const LayoutEntry* FindPositionElement(const ModelMesh& mesh, const InputLayout* layout) {
+  const LayoutEntry* position = FindFittingElement(mesh, layout, kPosition);
+  return position && ElementSize(position->type) > 0 ? position : nullptr;
+}
+
 StreamCursor::StreamCursor(const ModelMesh& mesh, const LayoutEntry& entry) : type(entry.type), offset(entry.offset) {
   if (!ElementFits(mesh, entry)) return;
   stream = &mesh.streams[entry.stream];

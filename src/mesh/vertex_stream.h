@@ -29,6 +29,10 @@ const LayoutEntry* FindElement(const InputLayout* layout, u32 usage, u32 usageIn
 bool ElementFits(const ModelMesh& mesh, const LayoutEntry& entry);
 // The element of `usage` with usage index 0 when there is one that fits its stream, else null.
 const LayoutEntry* FindFittingElement(const ModelMesh& mesh, const InputLayout* layout, u32 usage);
+// The Position element when it fits and takes bytes, else null. Every vertex record is made from
+// it, so its bytes in the file must vouch for the vertex count: a Position of no size would let a
+// corrupt count ask for any amount of memory.
+const LayoutEntry* FindPositionElement(const ModelMesh& mesh, const InputLayout* layout);
 
 inline void StoreVec3(f32 (&to)[3], const Vec3& v) {
   to[0] = v.x;

@@ -110,6 +110,15 @@ TEST(ExportMesh, IndicesAndFailures) {
   empty.streams[0].stride = 12;
   ASSERT_TRUE(Build(out, quad.model, empty, &anyPosition, 0));
   EXPECT_EQ(out.flags, u32(kHasPosition));
+  // A Position of a type that takes no bytes fits a stream of stride 0, which no byte of the file
+  // backs: the count it would vouch for is refused before anything is sized by it.
+  InputLayout sizeless;
+  MakeLayout(sizeless, {{kPosition, kUdec3, 0}});
+  empty.streams[0].stride = 0;
+  empty.vertexCount = 1 << 20;
+  PreviewMesh preview;
+  EXPECT_FALSE(Build(out, quad.model, empty, &sizeless, 0));
+  EXPECT_FALSE(BuildPreview(preview, empty, &sizeless));
   testsupport::ScopedAllocationFailure refuse(1);
   EXPECT_FALSE(Build(out, quad.model, quad.mesh, &quad.layout, 0));
 }
