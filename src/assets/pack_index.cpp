@@ -109,18 +109,23 @@ bool PackIndex::ReadDirectory(const FileHandle& file, CByteBuffer& block, CStrin
       (void)entry.ReadU32BE(dataOffset);
       (void)entry.ReadU32BE(dataSize);
       // The last occurrence of a name decides its location, the first its place in the walk.
+      const u32 hash = HashKey(name.Text());
       PackEntry* slot = nullptr;
       CStringA key;
       u32 bucket = 0;
       if (entries.Capacity() != 0) {
         key.Borrow(name.Text());
-        bucket = entries.Bucket(key);
-        const u32 found = entries.FindInBucket(bucket, key);
+        bucket = hash % entries.BucketCount();
+        const u32 found = entries.FindInBucket(bucket, key, [&](u32 index) { return hashes[index] == hash; });
         if (found < entries.Count()) slot = &entries.ValueAt(found);
       }
       if (!slot) {
-        if (!key.Assign(name.Text())) return false;
-        slot = entries.InsertAt(bucket, std::move(key));
+        const char* stored = names.Add(nameBytes, nameLength);
+        u32* storedHash = stored ? hashes.Append() : nullptr;
+        if (!storedHash) return false;
+        *storedHash = hash;
+        key.Borrow(stored);
+        slot = entries.InsertAt(bucket, std::move(key), [this](u32 index, const CStringA&) { return hashes[index]; });
         if (!slot) return false;
       }
       *slot = PackEntry{&file, dataOffset, dataSize};
@@ -132,8 +137,10 @@ bool PackIndex::ReadDirectory(const FileHandle& file, CByteBuffer& block, CStrin
 }
 
 void PackIndex::Clear() {
-  // Entries borrow the handles, so they go first.
+  // Entries borrow the handles and the names, so they go first.
   entries.Clear();
+  names.Clear();
+  (void)hashes.SetSize(0);
   while (head) head = std::move(head->next);
   tail = nullptr;
   count = 0;

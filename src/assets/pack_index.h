@@ -2,6 +2,8 @@
 
 #include <utility>
 
+#include "assets/name_store.h"
+#include "core/array.h"
 #include "core/byte_buffer.h"
 #include "core/hash_map.h"
 #include "core/memory_hooks.h"
@@ -68,5 +70,9 @@ class PackIndex {
   TOwned<PackFile> head;
   PackFile* tail = nullptr;
   u32 count = 0;
+  // The keys borrow their text from `names`, and `hashes` holds each slot's key hash, so that
+  // neither a name nor a growth of the table costs an allocation or a hash per entry.
+  NameStore names;
+  TArray<u32> hashes;
   THashMap<CStringA, PackEntry> entries;
 };

@@ -53,8 +53,14 @@ class THashMap {
     return FindInBucket(Bucket(key), key);
   }
   u32 FindInBucket(u32 bucket, const K& key) const {
+    return FindInBucket(bucket, key, [](u32) { return true; });
+  }
+  // The same, comparing only the keys of entries for which `mayMatch(index)` holds: a caller that
+  // keeps each entry's hash passes over the other keys of the chain without reading them.
+  template <class MayMatch>
+  u32 FindInBucket(u32 bucket, const K& key, MayMatch&& mayMatch) const {
     for (u32 i = Heads()[bucket]; i < count; i = Next()[i]) {
-      if (KeysEqual(Entries()[i].key, key)) return i;
+      if (mayMatch(i) && KeysEqual(Entries()[i].key, key)) return i;
     }
     return count;
   }
@@ -76,11 +82,18 @@ class THashMap {
   // Insertion after a miss in `bucket` (any value while capacity is 0); the key is moved in and
   // the value is default-constructed. Null when memory is refused.
   V* InsertAt(u32 bucket, K&& key) {
+    return InsertAt(bucket, std::move(key), [](u32, const K& k) { return HashOfKey(k); });
+  }
+
+  // The same for a caller that keeps the hash of every entry: `hashAt(index, key)` gives it, for
+  // the new key too (at index Count()), so that growing hashes no key again.
+  template <class HashAt>
+  V* InsertAt(u32 bucket, K&& key, HashAt&& hashAt) {
     if (count >= capacity) {
       // Grow only when an entry is added to a full table: 0, 1, 3, 7, 15... The bucket count
       // 2 * capacity - 1 then keeps the load below one half without any bookkeeping.
-      if (capacity > kMaxCapacity / 2 || !Rehash(2 * capacity + 1)) return nullptr;
-      bucket = Bucket(key);
+      if (capacity > kMaxCapacity / 2 || !Rehash(2 * capacity + 1, hashAt)) return nullptr;
+      bucket = hashAt(count, key) % BucketCount();
     }
     const u32 index = count++;
     Entry* entry = ::new (&Entries()[index]) Entry{std::move(key), V()};
@@ -146,7 +159,8 @@ class THashMap {
   }
 
   // Indices stay; entries are relinked in ascending order, so every chain is newest first again.
-  bool Rehash(u32 newCapacity) {
+  template <class HashAt>
+  bool Rehash(u32 newCapacity, HashAt& hashAt) {
     auto* block = static_cast<char*>(MemAlignedAllocate(BlockSize(newCapacity), alignof(Entry)));
     if (!block) return false;
     auto* heads = reinterpret_cast<u32*>(block + HeadsOffset(newCapacity));
@@ -158,7 +172,7 @@ class THashMap {
       Entry& old = Entries()[i];
       ::new (&moved[i]) Entry{std::move(old.key), std::move(old.value)};
       old.~Entry();
-      const u32 bucket = HashOfKey(moved[i].key) % buckets;
+      const u32 bucket = hashAt(i, moved[i].key) % buckets;
       next[i] = heads[bucket];
       heads[bucket] = i;
     }
