@@ -2,6 +2,7 @@
 
 #include <libdeflate.h>
 
+#include <algorithm>
 #include <atomic>
 #include <cstring>
 #include <memory>
@@ -73,8 +74,15 @@ bool Pack(const FbxRecord& document, Packed& packed) {
     compressors[i].reset(libdeflate_alloc_compressor(kDeflateLevel));
     if (!compressors[i]) return false;
   }
+  // Largest first, so that no large array is left to one worker at the end while the others idle.
+  TArray<u32> order;
+  if (!order.Reserve(large.Count()) || !order.SetSize(large.Count())) return false;
+  for (u32 i = 0; i < large.Count(); ++i) order[i] = i;
+  std::stable_sort(order.begin(), order.end(),
+                   [&](u32 a, u32 b) { return large[a]->bytes.Size() > large[b]->bytes.Size(); });
   std::atomic<bool> failed{false};
-  auto deflate = [&](u32 worker, u32 item) {
+  auto deflate = [&](u32 worker, u32 next) {
+    const u32 item = order[next];
     libdeflate_compressor* compressor = compressors[worker].get();
     const CByteBuffer& raw = large[item]->bytes;
     CByteBuffer& room = scratch[worker];
