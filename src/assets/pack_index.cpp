@@ -158,6 +158,7 @@ bool PackIndex::FetchEntry(const PackEntry* entry, CByteBuffer& bytes) {
   if (!entry || !entry->file || entry->offset > kMaxFileOffset) return false;
   // Data that runs past the end of its pack can't be read whole; refuse before allocating for it.
   if (u64(entry->offset) + entry->size > entry->file->Size()) return false;
-  if (!bytes.SetSize(entry->size)) return false;
+  // The read fills every byte, or the fetch fails.
+  if (!bytes.SetSizeForOverwrite(entry->size)) return false;
   return entry->file->ReadExact(entry->offset, bytes.Data(), entry->size);
 }
