@@ -1,5 +1,6 @@
 #include "assets/pack_index.h"
 
+#include <algorithm>
 #include <cstring>
 #include <utility>
 
@@ -13,6 +14,10 @@ constexpr u32 kMaxFileOffset = 0x7FFFFFFF;
 constexpr u32 kLastPackNumber = 0xFFFFFFFF;
 constexpr u32 kChunkHeaderSize = 8;
 constexpr u32 kEntryFixedSize = 16;
+// Headers counted to size the table, and the most entries it is sized for before reading: a corrupt
+// header must not make a huge table. A game beyond either grows its table as it is read.
+constexpr u32 kMaxCountedChunks = 0x10000;
+constexpr u32 kMaxAnnouncedEntries = 1 << 20;
 
 // Brent's cycle finding over the chunk chain: no memory per chunk, and a chain that comes back to a
 // chunk already read is caught within a few laps.
@@ -36,25 +41,57 @@ class ChainLoopCheck {
   u64 steps = 1;
 };
 
+// Entries that the chunk headers of `file` announce, to size the table before the directory is
+// read. Only a hint: a chain that is cut short or loops just ends the count, and the reading of the
+// directory finds the fault.
+u32 AnnouncedEntries(const FileHandle& file) {
+  ChainLoopCheck loopCheck;
+  u64 total = 0;
+  u32 offset = 0;
+  for (u32 chunk = 0; chunk < kMaxCountedChunks; ++chunk) {
+    u8 header[kChunkHeaderSize];
+    if (!file.ReadExact(offset, header, sizeof(header))) break;
+    ByteReader reader(header, sizeof(header));
+    u32 nextChunk = 0;
+    u32 entryCount = 0;
+    (void)reader.ReadU32BE(nextChunk);
+    (void)reader.ReadU32BE(entryCount);
+    total += entryCount;
+    if (nextChunk == 0 || nextChunk > kMaxFileOffset || !loopCheck.Visit(nextChunk)) break;
+    offset = nextChunk;
+  }
+  // No more entries than the file has room for.
+  const u64 room = file.Size() / kEntryFixedSize;
+  return u32(std::min<u64>({total, room, UINT32_MAX}));
+}
+
 }  // namespace
 
 bool PackIndex::Open(const char* folder) {
   Clear();
   if (!folder) return false;
+  const u32 startCapacity = entries.Capacity();
+  if (!ReadPacks(folder) ||
+      !entries.ShrinkToGrowthFrom(startCapacity, [this](u32 index, const CStringA&) { return hashes[index]; })) {
+    Clear();
+    return false;
+  }
+  return true;
+}
+
+// Opens the packs up to the first missing number, then reads their directories in turn; false on
+// the first fault.
+bool PackIndex::ReadPacks(const char* folder) {
   TStringBufferA<261> root;
   NormalizePath(folder, root);
   TStringBufferA<261> path;
-  TStringBufferA<261> name;
-  CByteBuffer block(BlockReader::kBlockSize);
+  u64 announced = 0;
   for (u32 number = 0; number != kLastPackNumber; ++number) {
     path.Format("%s\\assets_%.3u.pack", root.Text(), number);
     FileHandle file;
-    if (!file.Open(path.Text())) return true;
+    if (!file.Open(path.Text())) break;
     TOwned<PackFile> node(MemNew<PackFile>(std::move(file)));
-    if (!node) {
-      Clear();
-      return false;
-    }
+    if (!node) return false;
     PackFile* added = node.get();
     if (tail) {
       tail->next = std::move(node);
@@ -63,10 +100,16 @@ bool PackIndex::Open(const char* folder) {
     }
     tail = added;
     ++count;
-    if (!ReadDirectory(added->file, block, name)) {
-      Clear();
-      return false;
-    }
+    announced += AnnouncedEntries(added->file);
+  }
+  // Room for what the packs announce at once, rather than growing step by step through them. A
+  // refusal here is no fault: the table grows as entries come.
+  (void)entries.GrowFor(u32(std::min<u64>(announced, kMaxAnnouncedEntries)),
+                        [this](u32 index, const CStringA&) { return hashes[index]; });
+  TStringBufferA<261> name;
+  CByteBuffer block(BlockReader::kBlockSize);
+  for (const PackFile* pack = head.get(); pack; pack = pack->next.get()) {
+    if (!ReadDirectory(pack->file, block, name)) return false;
   }
   return true;
 }

@@ -65,6 +65,7 @@ class PackIndex {
     FileHandle file;
   };
 
+  bool ReadPacks(const char* folder);
   bool ReadDirectory(const FileHandle& file, CByteBuffer& block, CStringBufferA& name);
 
   TOwned<PackFile> head;

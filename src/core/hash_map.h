@@ -103,6 +103,28 @@ class THashMap {
     return &entry->value;
   }
 
+  // For a caller that knows roughly how many entries are coming: the capacity that the growth
+  // steps above reach for `entries`, taken in one move instead of step by step. The table then
+  // differs from one filled entry by entry only in its capacity, which ShrinkToGrowthFrom puts
+  // right once the entries are in. False when memory is refused; the table is then unchanged.
+  template <class HashAt>
+  [[nodiscard]] bool GrowFor(u32 entries, HashAt&& hashAt) {
+    const u32 target = GrownCapacity(capacity, entries);
+    return target == 0 || target == capacity || Rehash(target, hashAt);
+  }
+  // Brings the capacity back to what the growth steps from `start` give for the entries held, after
+  // a GrowFor that asked for more than came. False when memory is refused; the table is then
+  // unchanged.
+  template <class HashAt>
+  [[nodiscard]] bool ShrinkToGrowthFrom(u32 start, HashAt&& hashAt) {
+    if (start == 0 && count == 0) {
+      Release();  // no entry ever came, so no block would have been made
+      return true;
+    }
+    const u32 target = GrownCapacity(start, count);
+    return target >= capacity || Rehash(target, hashAt);
+  }
+
   // Moves the last entry into the hole, so erasing costs no shifting; iteration order changes
   // only in that the former last entry takes the erased one's place.
   bool Erase(const K& key) {
@@ -144,6 +166,16 @@ class THashMap {
  private:
   // Keeps 2 * capacity - 1 and every byte size in range.
   static constexpr u32 kMaxCapacity = 0x3FFFFFFF;
+
+  // The capacity that growing from `from` reaches for `entries` entries; 0 past kMaxCapacity.
+  static u32 GrownCapacity(u32 from, u32 entries) {
+    u32 grown = from;
+    while (grown < entries) {
+      if (grown > kMaxCapacity / 2) return 0;
+      grown = 2 * grown + 1;
+    }
+    return grown;
+  }
 
   static size_t LinksOffset(u32 cap) { return size_t(cap) * sizeof(Entry); }
   static size_t HeadsOffset(u32 cap) { return LinksOffset(cap) + size_t(cap) * sizeof(u32); }
