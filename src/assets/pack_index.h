@@ -65,8 +65,17 @@ class PackIndex {
     FileHandle file;
   };
 
+  // One directory entry as read, its name in the reader's scratch.
+  struct ParsedEntry {
+    u32 nameAt = 0;
+    u32 nameLength = 0;
+    u32 dataOffset = 0;
+    u32 dataSize = 0;
+  };
+
   bool ReadPacks(const char* folder);
-  bool ReadDirectory(const FileHandle& file, CByteBuffer& block, CStringBufferA& name);
+  bool ReadDirectory(const FileHandle& file, CByteBuffer& block, CByteBuffer& nameScratch);
+  bool Record(const FileHandle& file, const char* name, u32 hash, const ParsedEntry& parsed);
 
   TOwned<PackFile> head;
   PackFile* tail = nullptr;
