@@ -12,13 +12,14 @@
 #include "mesh/export_mesh.h"
 #include "platform/output_file.h"
 #include "support/skinned_actor.h"
+#include "support/stress_game.h"
 #include "support/temp_dir.h"
 
 namespace {
 
-// 4 meshes of 224 x 224 vertices (200,704 in all) with normals, two UV sets and two influences
-// each, skinned to 100 bones.
-constexpr testsupport::SkinnedActorDesc kDesc{.meshCount = 4, .gridSize = 224, .boneCount = 100, .secondUv = true};
+// The stress game's large actor: 4 meshes of 256 x 236 vertices (241,664 in all) with normals, one
+// UV set and one to four influences each, skinned to 128 bones.
+const testsupport::SkinnedActorDesc kDesc = testsupport::LargeModel({});
 
 CByteBuffer Bytes(const std::string& bytes) {
   CByteBuffer buffer;
@@ -39,7 +40,8 @@ struct Actor {
     CStringA key;
     RigNetwork* network = key.Assign("hero") ? rigs.FindOrInsert(key) : nullptr;
     ok = definitions.Read(Bytes(files.catalogue)) && Read(model, Bytes(files.model), materials) && network &&
-         Read(*network, Bytes(testsupport::BuildRigNetwork(testsupport::NetworkWithSets({{7, files.rig}}, {{"Idle", 7}})))) &&
+         Read(*network,
+              Bytes(testsupport::BuildRigNetwork(testsupport::NetworkWithSets({{7, files.rig}}, {{"Idle", 7}})))) &&
          actor.animationNetworkName.Assign("hero.mrn") && actor.animSetName.Assign("Idle");
   }
   ~Actor() { definitions.Destroy(); }

@@ -141,5 +141,7 @@ void ConvertActor(const GameTables& game, const PackEntry& entry, const char* ac
     case ActorFilesFailure::kParsePalette:
       return Fail(outcome, ConvertResult::kParsePaletteFailed, "Error parsing \"%s\".", files.actor.paletteName.Text());
   }
+  // The model holds copies of its streams; the file's bytes would only add to the export's peak.
+  modelBytes.Release();
   ExportActor(game, actorName, files.actor, files.model, files.Applied(), questions, outcome, options);
 }

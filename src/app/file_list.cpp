@@ -1,7 +1,5 @@
 #include "app/file_list.h"
 
-#include <strings.h>
-
 #include <cstring>
 #include <string>
 
@@ -43,7 +41,16 @@ struct WalkContext {
 // that are listed or read get copied.
 struct Extension {
   explicit Extension(const char* name) : length(std::strlen(name)), text(name + (length > 4 ? length - 4 : 0)) {}
-  bool Is(const char* extension) const { return strcasecmp(text, extension) == 0; }
+  // `extension` is four characters in lower case. ASCII letters alone fold, as in the C locale:
+  // a walk tests every name of the game, so this stays a few comparisons.
+  bool Is(const char* extension) const {
+    if (length < 4) return false;
+    for (u32 i = 0; i < 4; ++i) {
+      const char c = text[i];
+      if ((c >= 'A' && c <= 'Z' ? char(c - 'A' + 'a') : c) != extension[i]) return false;
+    }
+    return true;
+  }
   size_t length;
   const char* text;
 };

@@ -2,6 +2,8 @@
 
 #include <utility>
 
+#include "assets/name_store.h"
+#include "core/array.h"
 #include "core/byte_buffer.h"
 #include "core/hash_map.h"
 #include "core/memory_hooks.h"
@@ -65,10 +67,24 @@ class PackIndex {
     FileHandle file;
   };
 
-  bool ReadDirectory(const FileHandle& file, CByteBuffer& block, CStringBufferA& name);
+  // One directory entry as read, its name in the reader's scratch.
+  struct ParsedEntry {
+    u32 nameAt = 0;
+    u32 nameLength = 0;
+    u32 dataOffset = 0;
+    u32 dataSize = 0;
+  };
+
+  bool ReadPacks(const char* folder, bool anyCase);
+  bool ReadDirectory(const FileHandle& file, CByteBuffer& block, CByteBuffer& nameScratch);
+  bool Record(const FileHandle& file, const char* name, u32 hash, const ParsedEntry& parsed);
 
   TOwned<PackFile> head;
   PackFile* tail = nullptr;
   u32 count = 0;
+  // The keys borrow their text from `names`, and `hashes` holds each slot's key hash, so that
+  // neither a name nor a growth of the table costs an allocation or a hash per entry.
+  NameStore names;
+  TArray<u32> hashes;
   THashMap<CStringA, PackEntry> entries;
 };

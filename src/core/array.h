@@ -86,6 +86,15 @@ class TArray {
     return true;
   }
 
+  // Plain elements only: `n` elements whose new ones are left unfilled, for a caller that writes
+  // each of them before anything reads it, and so spares a pass over a large block. False only when
+  // memory is refused; the array is then unchanged.
+  [[nodiscard]] bool SetSizeForOverwrite(u32 n) requires std::is_trivially_copyable_v<T> {
+    if (n > capacity && !Reserve(GrownByHalf(n))) return false;
+    count = n;
+    return true;
+  }
+
   // One more default-constructed element at the end, for builders that add one at a time: the
   // block doubles when full, so appending stays linear. Null when memory is refused.
   T* Append() {

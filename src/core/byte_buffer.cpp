@@ -34,7 +34,11 @@ CByteBuffer& CByteBuffer::operator=(CByteBuffer&& other) noexcept {
   return *this;
 }
 
-bool CByteBuffer::Reserve(u32 n) {
+bool CByteBuffer::Reserve(u32 n) { return Grow(n, 0); }
+
+// Capacity for `n` bytes; of the bytes the store gains, those from `zeroFrom` on are zeroed (the
+// caller writes the ones before it).
+bool CByteBuffer::Grow(u32 n, u32 zeroFrom) {
   const u64 rounded = (u64(n) + granule - 1) / granule * granule;
   if (rounded <= capacity) return true;
   if (rounded > UINT32_MAX) return false;
@@ -42,7 +46,8 @@ bool CByteBuffer::Reserve(u32 n) {
   if (!store) return false;
   // The whole old store moves, not only `size`: bytes past it may have been written.
   if (capacity) std::memcpy(store, data, capacity);
-  std::memset(store + capacity, 0, rounded - capacity);
+  const u32 zeroStart = zeroFrom > capacity ? zeroFrom : capacity;
+  std::memset(store + zeroStart, 0, rounded - zeroStart);
   if (data) MemFree(data);
   data = store;
   capacity = static_cast<u32>(rounded);
@@ -51,6 +56,12 @@ bool CByteBuffer::Reserve(u32 n) {
 
 bool CByteBuffer::SetSize(u32 n) {
   if (!Reserve(n)) return false;
+  size = n;
+  return true;
+}
+
+bool CByteBuffer::SetSizeForOverwrite(u32 n) {
+  if (!Grow(n, n)) return false;
   size = n;
   return true;
 }

@@ -19,6 +19,9 @@ class CByteBuffer {
   // or the rounded size leaves 32 bits; the buffer is then as it was.
   [[nodiscard]] bool Reserve(u32 n);
   [[nodiscard]] bool SetSize(u32 n);
+  // SetSize for a caller that writes every byte from the old size up to `n` before reading any:
+  // those are left unset instead of zeroed, which spares a pass over a large array.
+  [[nodiscard]] bool SetSizeForOverwrite(u32 n);
   void Release();
 
   u8* Data() { return data; }
@@ -28,6 +31,8 @@ class CByteBuffer {
   u32 Granule() const { return granule; }
 
  private:
+  bool Grow(u32 n, u32 zeroFrom);
+
   u32 granule;
   u32 size = 0;
   u32 capacity = 0;

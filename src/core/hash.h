@@ -13,3 +13,6 @@ u32 HashNameWide(const char* text);
 u32 HashExact(const char* text);
 // No folding, bytes widened signed: 0x80..0xFF add a negative number. Buckets of string keys.
 u32 HashKey(const char* text);
+// HashKey of `count` texts into `out`, the same values; four at a time, so that the rounds of
+// different texts overlap instead of each text waiting for the one before.
+void HashKeys(const char* const* texts, u32 count, u32* out);

@@ -47,14 +47,24 @@ class THashMap {
   // Only defined while capacity is not 0.
   u32 Bucket(const K& key) const { return HashOfKey(key) % BucketCount(); }
 
+  // Asks for the bucket's head to be brought into cache ahead of a lookup. Only while capacity is
+  // not 0.
+  void PrefetchBucket(u32 bucket) const { __builtin_prefetch(&Heads()[bucket]); }
+
   // Index of the matching entry, or `count`.
   u32 Find(const K& key) const {
     if (count == 0) return 0;
     return FindInBucket(Bucket(key), key);
   }
   u32 FindInBucket(u32 bucket, const K& key) const {
+    return FindInBucket(bucket, key, [](u32) { return true; });
+  }
+  // The same, comparing only the keys of entries for which `mayMatch(index)` holds: a caller that
+  // keeps each entry's hash passes over the other keys of the chain without reading them.
+  template <class MayMatch>
+  u32 FindInBucket(u32 bucket, const K& key, MayMatch&& mayMatch) const {
     for (u32 i = Heads()[bucket]; i < count; i = Next()[i]) {
-      if (KeysEqual(Entries()[i].key, key)) return i;
+      if (mayMatch(i) && KeysEqual(Entries()[i].key, key)) return i;
     }
     return count;
   }
@@ -76,11 +86,18 @@ class THashMap {
   // Insertion after a miss in `bucket` (any value while capacity is 0); the key is moved in and
   // the value is default-constructed. Null when memory is refused.
   V* InsertAt(u32 bucket, K&& key) {
+    return InsertAt(bucket, std::move(key), [](u32, const K& k) { return HashOfKey(k); });
+  }
+
+  // The same for a caller that keeps the hash of every entry: `hashAt(index, key)` gives it, for
+  // the new key too (at index Count()), so that growing hashes no key again.
+  template <class HashAt>
+  V* InsertAt(u32 bucket, K&& key, HashAt&& hashAt) {
     if (count >= capacity) {
       // Grow only when an entry is added to a full table: 0, 1, 3, 7, 15... The bucket count
       // 2 * capacity - 1 then keeps the load below one half without any bookkeeping.
-      if (capacity > kMaxCapacity / 2 || !Rehash(2 * capacity + 1)) return nullptr;
-      bucket = Bucket(key);
+      if (capacity > kMaxCapacity / 2 || !Rehash(2 * capacity + 1, hashAt)) return nullptr;
+      bucket = hashAt(count, key) % BucketCount();
     }
     const u32 index = count++;
     Entry* entry = ::new (&Entries()[index]) Entry{std::move(key), V()};
@@ -88,6 +105,28 @@ class THashMap {
     Next()[index] = Heads()[bucket];
     Heads()[bucket] = index;
     return &entry->value;
+  }
+
+  // For a caller that knows roughly how many entries are coming: the capacity that the growth
+  // steps above reach for `entries`, taken in one move instead of step by step. The table then
+  // differs from one filled entry by entry only in its capacity, which ShrinkToGrowthFrom puts
+  // right once the entries are in. False when memory is refused; the table is then unchanged.
+  template <class HashAt>
+  [[nodiscard]] bool GrowFor(u32 entries, HashAt&& hashAt) {
+    const u32 target = GrownCapacity(capacity, entries);
+    return target == 0 || target == capacity || Rehash(target, hashAt);
+  }
+  // Brings the capacity back to what the growth steps from `start` give for the entries held, after
+  // a GrowFor that asked for more than came. False when memory is refused; the table is then
+  // unchanged.
+  template <class HashAt>
+  [[nodiscard]] bool ShrinkToGrowthFrom(u32 start, HashAt&& hashAt) {
+    if (start == 0 && count == 0) {
+      Release();  // no entry ever came, so no block would have been made
+      return true;
+    }
+    const u32 target = GrownCapacity(start, count);
+    return target >= capacity || Rehash(target, hashAt);
   }
 
   // Moves the last entry into the hole, so erasing costs no shifting; iteration order changes
@@ -132,6 +171,16 @@ class THashMap {
   // Keeps 2 * capacity - 1 and every byte size in range.
   static constexpr u32 kMaxCapacity = 0x3FFFFFFF;
 
+  // The capacity that growing from `from` reaches for `entries` entries; 0 past kMaxCapacity.
+  static u32 GrownCapacity(u32 from, u32 entries) {
+    u32 grown = from;
+    while (grown < entries) {
+      if (grown > kMaxCapacity / 2) return 0;
+      grown = 2 * grown + 1;
+    }
+    return grown;
+  }
+
   static size_t LinksOffset(u32 cap) { return size_t(cap) * sizeof(Entry); }
   static size_t HeadsOffset(u32 cap) { return LinksOffset(cap) + size_t(cap) * sizeof(u32); }
   static size_t BlockSize(u32 cap) { return HeadsOffset(cap) + (size_t(2) * cap - 1) * sizeof(u32); }
@@ -146,7 +195,8 @@ class THashMap {
   }
 
   // Indices stay; entries are relinked in ascending order, so every chain is newest first again.
-  bool Rehash(u32 newCapacity) {
+  template <class HashAt>
+  bool Rehash(u32 newCapacity, HashAt& hashAt) {
     auto* block = static_cast<char*>(MemAlignedAllocate(BlockSize(newCapacity), alignof(Entry)));
     if (!block) return false;
     auto* heads = reinterpret_cast<u32*>(block + HeadsOffset(newCapacity));
@@ -158,7 +208,7 @@ class THashMap {
       Entry& old = Entries()[i];
       ::new (&moved[i]) Entry{std::move(old.key), std::move(old.value)};
       old.~Entry();
-      const u32 bucket = HashOfKey(moved[i].key) % buckets;
+      const u32 bucket = hashAt(i, moved[i].key) % buckets;
       next[i] = heads[bucket];
       heads[bucket] = i;
     }

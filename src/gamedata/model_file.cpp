@@ -14,11 +14,11 @@ constexpr u32 kModelVersion = 4;
 constexpr u32 kMaterialsMagic = 0x54414D44;  // "DMAT"
 constexpr u32 kMaterialsVersion = 1;
 
-constexpr u32 kFileHeaderSize = 12;        // magic, version, and a size or count
-constexpr u32 kBoundsAndCountSize = 28;    // six floats and the mesh count
+constexpr u32 kFileHeaderSize = 12;      // magic, version, and a size or count
+constexpr u32 kBoundsAndCountSize = 28;  // six floats and the mesh count
 constexpr u32 kMeshHeaderSize = 32;
-constexpr u32 kStreamHeaderSize = 4;       // the stride
-constexpr u32 kBoneMatrixSize = 48;        // four rows of three floats
+constexpr u32 kStreamHeaderSize = 4;  // the stride
+constexpr u32 kBoneMatrixSize = 48;   // four rows of three floats
 constexpr u32 kBoneBoundsSize = 24;
 constexpr u32 kBoneHashSize = 4;
 constexpr u32 kMaterialHeaderSize = 16;
@@ -40,7 +40,7 @@ bool SizeFromFile(TArray<T>& array, u32 count, u32 recordSize, const ByteReader&
 bool ReadBlock(ByteReader& reader, u64 size, CByteBuffer& out, u32& storedSize) {
   if (!reader.Has(size)) return false;
   const u32 n = static_cast<u32>(size);
-  if (!out.SetSize(n) || !reader.ReadBytes(out.Data(), n)) return false;
+  if (!out.SetSizeForOverwrite(n) || !reader.ReadBytes(out.Data(), n)) return false;
   storedSize = n;
   return true;
 }
@@ -157,7 +157,10 @@ bool ReadMaterial(ByteReader& reader, ModelMaterial& material) {
 }  // namespace
 
 MeshStream::MeshStream(MeshStream&& other) noexcept
-    : dataSize(std::exchange(other.dataSize, 0)), stride(other.stride), data(std::move(other.data)), index(other.index) {}
+    : dataSize(std::exchange(other.dataSize, 0)),
+      stride(other.stride),
+      data(std::move(other.data)),
+      index(other.index) {}
 
 ModelMesh::ModelMesh(ModelMesh&& other) noexcept
     : streams(std::move(other.streams)),

@@ -1,8 +1,5 @@
 #include "mesh/half_float.h"
 
-#include <array>
-#include <bit>
-
 namespace {
 
 // The tables of van der Zijp's conversion, made by the compiler: complete before any code runs.
@@ -38,16 +35,8 @@ constexpr std::array<u32, 64> MakeOffset() {
   return table;
 }
 
+}  // namespace
+
 constexpr std::array<u32, 2048> kHalfMantissa = MakeMantissa();
 constexpr std::array<u32, 64> kHalfExponent = MakeExponent();
 constexpr std::array<u32, 64> kHalfOffset = MakeOffset();
-
-}  // namespace
-
-u32 HalfToFloat(u16 bits) {
-  const u32 e = bits >> 10;
-  const u32 m = bits & 0x3FF;
-  return kHalfMantissa[kHalfOffset[e] + m] + kHalfExponent[e];
-}
-
-f32 HalfToFloatValue(u16 bits) { return std::bit_cast<f32>(HalfToFloat(bits)); }

@@ -15,28 +15,31 @@ Vec3 Load(const f32 (&from)[3]) { return {from[0], from[1], from[2]}; }
 
 // The stored vertices, with stored or derived normals.
 void BuildIndexed(PreviewMesh& out, const ModelMesh& mesh, const InputLayout* layout, const LayoutEntry& position) {
-  ForEachVertex(out.vertices, mesh, position, [](PreviewVertex& v, const u8* b, u32 t) { StoreVec3(v.position, ReadVec3(b, t)); });
+  ForEachVertex(out.vertices, mesh, position,
+                [](PreviewVertex& v, const u8* b, auto t) { StoreVec3(v.position, ReadVec3(b, t)); });
   if (const LayoutEntry* normal = FindFittingElement(mesh, layout, kNormal)) {
-    ForEachVertex(out.vertices, mesh, *normal, [](PreviewVertex& v, const u8* b, u32 t) {
+    ForEachVertex(out.vertices, mesh, *normal, [](PreviewVertex& v, const u8* b, auto t) {
       Vec3 n = UnpackUnit(ReadVec3(b, t));
       NormalizeVector(n);
       StoreVec3(v.normal, n);
     });
   } else {
     // The binormal goes through the normal field on its way to the cross product.
-    ForEachVertex(out.vertices, mesh, *FindFittingElement(mesh, layout, kBinormal), [](PreviewVertex& v, const u8* b, u32 t) {
-      Vec3 n = UnpackUnit(ReadVec3(b, t));
-      NormalizeByLength(n);
-      StoreVec3(v.normal, n);
-    });
-    ForEachVertex(out.vertices, mesh, *FindFittingElement(mesh, layout, kTangent), [](PreviewVertex& v, const u8* b, u32 t) {
-      Vec3 tangent = UnpackUnit(ReadVec3(b, t));
-      NormalizeByLength(tangent);
-      StoreVec3(v.normal, DeriveNormal(tangent, Load(v.normal), ReadVec4(b, t).w));
-    });
+    ForEachVertex(out.vertices, mesh, *FindFittingElement(mesh, layout, kBinormal),
+                  [](PreviewVertex& v, const u8* b, auto t) {
+                    Vec3 n = UnpackUnit(ReadVec3(b, t));
+                    NormalizeByLength(n);
+                    StoreVec3(v.normal, n);
+                  });
+    ForEachVertex(out.vertices, mesh, *FindFittingElement(mesh, layout, kTangent),
+                  [](PreviewVertex& v, const u8* b, auto t) {
+                    Vec3 tangent = UnpackUnit(ReadVec3(b, t));
+                    NormalizeByLength(tangent);
+                    StoreVec3(v.normal, DeriveNormal(tangent, Load(v.normal), ReadVec4(b, t).w));
+                  });
   }
   if (const LayoutEntry* uv = FindFittingElement(mesh, layout, kTexcoord)) {
-    ForEachVertex(out.vertices, mesh, *uv, [](PreviewVertex& v, const u8* b, u32 t) {
+    ForEachVertex(out.vertices, mesh, *uv, [](PreviewVertex& v, const u8* b, auto t) {
       const Vec2 read = ReadVec2(b, t);
       v.uv[0] = read.x;
       v.uv[1] = read.y;
@@ -60,7 +63,8 @@ void ForEachCorner(PreviewMesh& out, const ModelMesh& mesh, const LayoutEntry& e
 // Face normals on an unindexed copy, for meshes that carry no normal data. Only whole triangles
 // get a normal; a last one or two indices keep a zero one.
 void BuildFlat(PreviewMesh& out, const ModelMesh& mesh, const InputLayout* layout, const LayoutEntry& position) {
-  ForEachCorner(out, mesh, position, [](PreviewVertex& v, const u8* b, u32 t) { StoreVec3(v.position, ReadVec3(b, t)); });
+  ForEachCorner(out, mesh, position,
+                [](PreviewVertex& v, const u8* b, auto t) { StoreVec3(v.position, ReadVec3(b, t)); });
   for (u32 i = 0; i + 2 < out.vertexCount; i += 3) {
     const Vec3 a = Load(out.vertices[i].position);
     const Vec3 b = Load(out.vertices[i + 1].position);
@@ -71,7 +75,7 @@ void BuildFlat(PreviewMesh& out, const ModelMesh& mesh, const InputLayout* layou
     for (u32 k = 0; k < 3; ++k) StoreVec3(out.vertices[i + k].normal, normal);
   }
   if (const LayoutEntry* uv = FindFittingElement(mesh, layout, kTexcoord)) {
-    ForEachCorner(out, mesh, *uv, [](PreviewVertex& v, const u8* b, u32 t) {
+    ForEachCorner(out, mesh, *uv, [](PreviewVertex& v, const u8* b, auto t) {
       const Vec2 read = ReadVec2(b, t);
       v.uv[0] = read.x;
       v.uv[1] = read.y;

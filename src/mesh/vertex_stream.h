@@ -3,6 +3,7 @@
 #include "core/types.h"
 #include "gamedata/material_definitions.h"
 #include "gamedata/model_file.h"
+#include "mesh/element_decode.h"
 
 // The one place that turns vertex bytes into numbers: an input layout entry names a stream, an
 // element type and an offset, and a cursor walks that element from vertex to vertex.
@@ -50,6 +51,10 @@ struct StreamCursor {
   }
   // Vertex numbers outside the stream give a null `data`; the cursor stays usable for other ones.
   void Seek(u32 vertex);
+  // The stream holds the element for each of vertices first to first + count - 1 (count > 0).
+  bool Holds(u32 first, u32 count) const {
+    return stream && (u64(first) + count - 1) * stride + offset + ElementSize(type) <= stream->data.Size();
+  }
 
   const MeshStream* stream = nullptr;
   u32 type = 0;
@@ -60,19 +65,76 @@ struct StreamCursor {
 
 // The reads touch only the element's own bytes; components the type lacks are 0. Normalised
 // types are scaled (bytes by 255, signed shorts by 32767, unsigned by 65535) except in ReadInt4,
-// which gives the stored integers, and truncates floats toward zero.
+// which gives the stored integers, and truncates floats toward zero. A null `bytes` gives zeros.
 Vec2 ReadVec2(const u8* bytes, u32 type);
 Vec3 ReadVec3(const u8* bytes, u32 type);
 Vec4 ReadVec4(const u8* bytes, u32 type);
 Int4 ReadInt4(const u8* bytes, u32 type);
 
-// One pass of one element over every record of a converter's vertex array, in vertex order:
-// `apply(record, element bytes, type)`.
-template <class Vertices, class Apply>
-void ForEachVertex(Vertices& vertices, const ModelMesh& mesh, const LayoutEntry& entry, Apply apply) {
-  StreamCursor cursor(mesh, entry);
-  for (auto& vertex : vertices) {
-    apply(vertex, cursor.data, cursor.type);
-    cursor.Step();
+// The same reads with the type fixed at compile time, for the loops of ForEachVertex; `bytes`
+// is never null here.
+template <u32 kType>
+Vec2 ReadVec2(const u8* bytes, ElementTypeTag<kType>) {
+  const ElementValues values = DecodeElement<kType, true>(bytes);
+  return {values.v[0], values.v[1]};
+}
+template <u32 kType>
+Vec3 ReadVec3(const u8* bytes, ElementTypeTag<kType>) {
+  const ElementValues values = DecodeElement<kType, true>(bytes);
+  return {values.v[0], values.v[1], values.v[2]};
+}
+template <u32 kType>
+Vec4 ReadVec4(const u8* bytes, ElementTypeTag<kType>) {
+  const ElementValues values = DecodeElement<kType, true>(bytes);
+  return {values.v[0], values.v[1], values.v[2], values.v[3]};
+}
+template <u32 kType>
+Int4 ReadInt4(const u8* bytes, ElementTypeTag<kType>) {
+  const ElementValues values = DecodeElement<kType, false>(bytes);
+  Int4 out;
+  // Floats truncate toward zero; integers come back as stored, sign- or zero-extended. Every
+  // stored integer type fits a float exactly, so going through one loses nothing.
+  for (u32 i = 0; i < values.count; ++i) {
+    const f32 v = values.v[i];
+    if (IsFloatElementType(kType) && v != v) {
+      out.v[i] = 0;  // a NaN names no bone
+    } else if (v >= 2147483648.0f) {
+      out.v[i] = INT32_MAX;  // beyond 32 bits: saturate rather than leave it undefined
+    } else if (v < -2147483648.0f) {
+      out.v[i] = INT32_MIN;
+    } else {
+      out.v[i] = i32(v);
+    }
   }
+  return out;
+}
+
+// One pass of one element over the records of vertices first to first + count - 1 of a
+// converter's vertex array, in vertex order: `apply(record, element bytes, type)`, where the type
+// is an ElementTypeTag wherever it can be, so `apply` should take it as `auto`. The stream is
+// checked once for the whole range; a range it doesn't hold is read vertex by vertex, and the
+// vertices past its end read as zeros.
+template <class Vertex, class Apply>
+void ForEachVertexIn(Vertex* records, u32 first, u32 count, const ModelMesh& mesh, const LayoutEntry& entry,
+                     Apply&& apply) {
+  if (count == 0) return;
+  StreamCursor cursor(mesh, entry);
+  if (cursor.data && cursor.Holds(first, count)) {
+    const u8* bytes = cursor.stream->data.Data() + u64(first) * cursor.stride + cursor.offset;
+    const u32 stride = cursor.stride;
+    const bool typed = WithElementType(cursor.type, [&](auto type) {
+      for (u32 i = 0; i < count; ++i, bytes += stride) apply(records[i], bytes, type);
+    });
+    if (typed) return;
+  }
+  for (u32 i = 0; i < count; ++i) {
+    cursor.Seek(first + i);
+    apply(records[i], cursor.data, cursor.type);
+  }
+}
+
+// ForEachVertexIn over every record of the array.
+template <class Vertices, class Apply>
+void ForEachVertex(Vertices& vertices, const ModelMesh& mesh, const LayoutEntry& entry, Apply&& apply) {
+  ForEachVertexIn(vertices.Data(), 0, vertices.Count(), mesh, entry, apply);
 }

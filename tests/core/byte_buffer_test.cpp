@@ -24,6 +24,24 @@ TEST(ByteBuffer, GrowsByItsGranuleAndKeepsItsBytes) {
   EXPECT_EQ(buffer.Size(), 0u);
 }
 
+// Sizing for overwrite keeps the bytes already held and zeroes what lies past the new size.
+TEST(ByteBuffer, SizingForOverwriteKeepsOldBytesAndZeroesTheTail) {
+  CByteBuffer buffer(16);
+  ASSERT_TRUE(buffer.SetSize(5));
+  std::memset(buffer.Data(), 0xCD, 5);
+  ASSERT_TRUE(buffer.SetSizeForOverwrite(40));
+  EXPECT_EQ(buffer.Size(), 40u);
+  EXPECT_EQ(buffer.Capacity(), 48u);
+  EXPECT_EQ(buffer.Data()[4], 0xCD);
+  for (u32 i = 40; i < 48; ++i) EXPECT_EQ(buffer.Data()[i], 0) << i;
+  ASSERT_TRUE(buffer.SetSizeForOverwrite(8));
+  EXPECT_EQ(buffer.Capacity(), 48u) << "shrinking keeps the store";
+  EXPECT_EQ(buffer.Data()[4], 0xCD);
+  testsupport::ScopedAllocationFailure refuse(1);
+  EXPECT_FALSE(buffer.SetSizeForOverwrite(100));
+  EXPECT_EQ(buffer.Size(), 8u);
+}
+
 TEST(ByteBuffer, RefusedOrUnrepresentableSizesKeepTheOldStore) {
   CByteBuffer buffer;
   ASSERT_TRUE(buffer.SetSize(3));

@@ -33,6 +33,29 @@ TEST(HashMap, GrowsOnlyWhenFullWithTwiceMinusOneBuckets) {
   EXPECT_EQ(map.Capacity(), 31u) << "a cleared table refills its block without growing";
 }
 
+// A table sized ahead for more entries than came ends, once shrunk, with the capacity and lookups
+// of one filled entry by entry.
+TEST(HashMap, SizingAheadEndsAsGrowingStepByStep) {
+  const auto hashOf = [](u32, u32 key) { return key; };
+  struct Case {
+    u32 startWith, announced, inserted, capacity;
+  };
+  for (const Case c : {Case{0, 0, 0, 0}, Case{0, 100, 0, 0}, Case{0, 100, 5, 7}, Case{0, 3, 20, 31},
+                       Case{3, 1000, 2, 3}, Case{3, 1000, 4, 7}, Case{0, 100000, 70000, 131071}}) {
+    SCOPED_TRACE(c.announced);
+    THashMap<u32, u32> map;
+    for (u32 i = 0; i < c.startWith; ++i) ASSERT_NE(map.FindOrInsert(i), nullptr);
+    map.Clear();
+    const u32 start = map.Capacity();
+    ASSERT_TRUE(map.GrowFor(c.announced, hashOf));
+    for (u32 i = 0; i < c.inserted; ++i) ASSERT_NE(map.FindOrInsert(i * 7919 + 1), nullptr);
+    ASSERT_TRUE(map.ShrinkToGrowthFrom(start, hashOf));
+    EXPECT_EQ(map.Capacity(), c.capacity);
+    for (u32 i = 0; i < c.inserted; ++i) ASSERT_EQ(map.Find(i * 7919 + 1), i);
+    EXPECT_EQ(map.Find(2), map.Count());
+  }
+}
+
 TEST(HashMap, StringKeysAreCaseSensitiveFormBlindAndUnique) {
   THashMap<CStringA, Counted> map;
   map.FindOrInsert(Owned("Name"))->value = 1;

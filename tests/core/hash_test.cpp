@@ -2,6 +2,9 @@
 
 #include <gtest/gtest.h>
 
+#include <string>
+#include <vector>
+
 namespace {
 
 // Expected values come from a separate implementation of the hash (arithmetic shifts, each
@@ -35,5 +38,22 @@ TEST(Hash, VariantsMatchStoredValues) {
 }
 
 TEST(Hash, NameOfNullIsZero) { EXPECT_EQ(HashName(nullptr), 0u); }
+
+// The batched form must give HashKey's value for every text, whatever the lengths side by side and
+// however many texts are left over after the groups of four.
+TEST(Hash, BatchedKeysEqualSingleKeys) {
+  std::vector<std::string> texts = {
+      "", "a", "\xE9t\xE9", "actors\\group_1\\actor_000001.adr", "x", std::string(300, 'q')};
+  for (int i = 0; i < 40; ++i)
+    texts.push_back(std::string(size_t(i % 7) * 5, char('a' + i)) + "\xFF" + std::to_string(i));
+  for (size_t count = 0; count <= texts.size(); ++count) {
+    std::vector<const char*> pointers;
+    for (size_t i = 0; i < count; ++i) pointers.push_back(texts[i].c_str());
+    std::vector<u32> out(count + 1, 0xDEADBEEF);
+    HashKeys(pointers.data(), u32(count), out.data());
+    for (size_t i = 0; i < count; ++i) ASSERT_EQ(out[i], HashKey(texts[i].c_str())) << count << " " << i;
+    EXPECT_EQ(out[count], 0xDEADBEEF) << "nothing past the count";
+  }
+}
 
 }  // namespace

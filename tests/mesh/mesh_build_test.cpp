@@ -1,5 +1,8 @@
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <vector>
+
 #include "mesh/export_mesh.h"
 #include "mesh/preview_mesh.h"
 #include "mesh_fixture.h"
@@ -29,9 +32,9 @@ struct Quad {
     const u8 slots[4][2] = {{0, 1}, {1, 2}, {1, 2}, {3, 0}};
     std::string frame;
     for (u8 v = 0; v < 4; ++v) {
-      Append<u8>(frame, {255, 128, 128, 255});  // normal: snaps to +x
-      Append<u8>(frame, {255, 128, 128, 255});  // tangent +x, w 255: s = 1
-      Append<u8>(frame, {128, 255, 128, v});    // binormal +y, rigid bone = slot v
+      Append<u8>(frame, {255, 128, 128, 255});              // normal: snaps to +x
+      Append<u8>(frame, {255, 128, 128, 255});              // tangent +x, w 255: s = 1
+      Append<u8>(frame, {128, 255, 128, v});                // binormal +y, rigid bone = slot v
       Append<u8>(frame, {slots[v][0], slots[v][1], 0, 0});  // blend indices
     }
     std::string positions;
@@ -50,16 +53,23 @@ TEST(ExportMesh, NormalSourcesChannelsAndColour) {
   };
   const Element position{kPosition, kFloat3, 0, 1};
   const Case cases[] = {
-      {"stored normal and frame", {position, {kNormal, kUbyte4n, 0}, {kTangent, kUbyte4n, 4}, {kBinormal, kUbyte4n, 8}},
-       kHasPosition | kHasNormal | kHasTangentFrame, 0},
+      {"stored normal and frame",
+       {position, {kNormal, kUbyte4n, 0}, {kTangent, kUbyte4n, 4}, {kBinormal, kUbyte4n, 8}},
+       kHasPosition | kHasNormal | kHasTangentFrame,
+       0},
       {"normal beyond the stride: derived from the frame",
        {position, {kNormal, kFloat3, 8}, {kTangent, kUbyte4n, 4}, {kBinormal, kUbyte4n, 8}},
-       kHasPosition | kHasNormal | kHasTangentFrame, 1},
-      {"normal and tangent alone", {position, {kNormal, kUbyte4n, 0}, {kTangent, kUbyte4n, 4}}, kHasPosition | kHasNormal, 0},
+       kHasPosition | kHasNormal | kHasTangentFrame,
+       1},
+      {"normal and tangent alone",
+       {position, {kNormal, kUbyte4n, 0}, {kTangent, kUbyte4n, 4}},
+       kHasPosition | kHasNormal,
+       0},
       {"tangent alone", {position, {kTangent, kUbyte4n, 4}}, kHasPosition, 0},
       {"uv channels 0 and 7, not 8",
        {position, {kTexcoord, kFloat2, 12, 1, 0}, {kTexcoord, kFloat2, 12, 1, 7}, {kTexcoord, kFloat2, 12, 1, 8}},
-       kHasPosition | HasUv(0) | HasUv(7), 0},
+       kHasPosition | HasUv(0) | HasUv(7),
+       0},
       {"colour with alpha", {position, {kColor, kUbyte4n, 0}}, kHasPosition | kHasColor | kHasColorAlpha, 0},
       {"colour without", {position, {kColor, kFloat3, 0, 1}}, kHasPosition | kHasColor, 0},
       {"colour beyond the stride is passed over", {position, {kColor, kFloat4, 8, 1}}, kHasPosition, 0},
@@ -124,7 +134,10 @@ TEST(ExportMesh, IndicesAndFailures) {
 }
 
 TEST(ExportMesh, SkinsRenumberSlotsThroughTheDrawCalls) {
-  Quad quad({{kPosition, kFloat3, 0, 1}, {kBinormal, kUbyte4n, 8}, {kBlendIndices, kUbyte4n, 12}, {kBlendWeight, kUbyte4n, 4}});
+  Quad quad({{kPosition, kFloat3, 0, 1},
+             {kBinormal, kUbyte4n, 8},
+             {kBlendIndices, kUbyte4n, 12},
+             {kBlendWeight, kUbyte4n, 4}});
   // Draw call 0 covers vertices 0-1 with slots 0->10, 1->11, 2->12. Draw call 1 covers 2-3 with a
   // base of 1: it rewrites slot 2 (1 + 1) and wraps 3 + 1 to slot 0, while slot 1 keeps the bone of
   // draw call 0. Slot 3 is never written and gives bone 0. A third draw call lies beyond the list.
@@ -132,8 +145,10 @@ TEST(ExportMesh, SkinsRenumberSlotsThroughTheDrawCalls) {
   const BoneMapEntry map[] = {{10, 0}, {11, 1}, {12, 2}, {20, 1}, {21, 3}};
   for (u32 i = 0; i < 5; ++i) quad.model.boneMap[i] = map[i];
   ASSERT_TRUE(quad.model.drawCalls.SetSize(2));
-  quad.model.drawCalls[0] = {.firstBoneMapEntry = 0, .boneMapEntryCount = 3, .slotBase = 0, .firstVertex = 0, .vertexCount = 2};
-  quad.model.drawCalls[1] = {.firstBoneMapEntry = 3, .boneMapEntryCount = 2, .slotBase = 1, .firstVertex = 2, .vertexCount = 2};
+  quad.model.drawCalls[0] = {
+      .firstBoneMapEntry = 0, .boneMapEntryCount = 3, .slotBase = 0, .firstVertex = 0, .vertexCount = 2};
+  quad.model.drawCalls[1] = {
+      .firstBoneMapEntry = 3, .boneMapEntryCount = 2, .slotBase = 1, .firstVertex = 2, .vertexCount = 2};
   quad.mesh.drawCallCount = 3;
   quad.mesh.bonePaletteSize = 4;
 
@@ -150,7 +165,10 @@ TEST(ExportMesh, SkinsRenumberSlotsThroughTheDrawCalls) {
       {"rigid: the binormal's fourth byte", kRigidSkinned, 4, {{10, 0}, {11, 0}, {20, 0}, {0, 0}}, 0},
       {"no palette: nothing to map", kSkinned, 0, {{0, 0}, {0, 0}, {0, 0}, {0, 0}}, 128 / 255.0f},
       {"slots beyond a palette of 2", kSkinned, 2, {{12, 11}, {11, 0}, {11, 0}, {0, 21}}, 128 / 255.0f},
-      {"a huge palette keeps only the slots named", kSkinned, 0x10000000, {{10, 11}, {11, 12}, {11, 20}, {0, 10}},
+      {"a huge palette keeps only the slots named",
+       kSkinned,
+       0x10000000,
+       {{10, 11}, {11, 12}, {11, 20}, {0, 10}},
        128 / 255.0f},
   };
   for (const Case& c : cases) {
@@ -185,6 +203,61 @@ TEST(ExportMesh, SkinsRenumberSlotsThroughTheDrawCalls) {
   ASSERT_TRUE(Build(out, quad.model, quad.mesh, &noIndices, kSkinned));
   EXPECT_FALSE(out.flags & kHasInfluences);
   EXPECT_EQ(out.vertices[0].influences[3].bone, -1);
+}
+
+// Meshes are decoded and renumbered in blocks of vertices while few draw calls name their slots,
+// and in one pass at the end past that; both must follow the draw calls' order exactly, over
+// ranges that overlap and cross blocks.
+TEST(ExportMesh, RenumberingOverManyDrawCallsAndBlocks) {
+  constexpr u32 kVertices = 1500;
+  constexpr u32 kPalette = 8;
+  std::string stream;
+  for (u32 v = 0; v < kVertices; ++v) {
+    Append<f32>(stream, {f32(v), 0, 0});
+    Append<u8>(stream, {u8(v % kPalette), u8((v + 3) % kPalette), 0, 200, 255, 0, 0, 0});
+  }
+  struct Case {
+    u32 drawCalls;
+    u32 vertexStep;
+    u32 vertexSpan;
+  };
+  for (const Case c : {Case{100, 13, 40}, Case{1100, 1, 3}}) {
+    SCOPED_TRACE(c.drawCalls);
+    InputLayout layout;
+    MakeLayout(layout, {{kPosition, kFloat3, 0}, {kBlendIndices, kUbyte4, 12}, {kBlendWeight, kUbyte4n, 16}});
+    ModelFile model;
+    ModelMesh mesh;
+    MakeMesh(mesh, kVertices, {{20, stream}});
+    SetIndices(mesh, 2, {0, 1, 2});
+    mesh.bonePaletteSize = kPalette;
+    mesh.drawCallCount = c.drawCalls;
+    ASSERT_TRUE(model.drawCalls.SetSize(c.drawCalls));
+    ASSERT_TRUE(model.boneMap.SetSize(c.drawCalls * 2));
+    for (u32 d = 0; d < c.drawCalls; ++d) {
+      model.boneMap[2 * d] = {u16(100 + d), u16(d % kPalette)};
+      model.boneMap[2 * d + 1] = {u16(5000 + d), u16((d * 3) % kPalette)};
+      model.drawCalls[d] = {.firstBoneMapEntry = 2 * d,
+                            .boneMapEntryCount = 2,
+                            .slotBase = d % 3,
+                            .firstVertex = d * c.vertexStep,
+                            .vertexCount = c.vertexSpan};
+    }
+    // The renumbering as written down: slots carried from call to call, vertices in call order.
+    std::vector<std::vector<i32>> want(kVertices);
+    for (u32 v = 0; v < kVertices; ++v) want[v] = {i32(v % kPalette), i32((v + 3) % kPalette), 0, 200};
+    std::vector<i32> slots(kPalette, -1);
+    for (u32 d = 0; d < c.drawCalls; ++d) {
+      for (u32 e = 2 * d; e < 2 * d + 2; ++e) slots[(model.boneMap[e].slot + d % 3) % kPalette] = model.boneMap[e].bone;
+      for (u32 v = d * c.vertexStep; v < std::min(kVertices, d * c.vertexStep + c.vertexSpan); ++v) {
+        for (i32& bone : want[v]) bone = bone >= 0 && u32(bone) < slots.size() && slots[bone] >= 0 ? slots[bone] : 0;
+      }
+    }
+    ExportMesh out;
+    ASSERT_TRUE(Build(out, model, mesh, &layout, kSkinned));
+    for (u32 v = 0; v < kVertices; ++v) {
+      for (u32 k = 0; k < 4; ++k) ASSERT_EQ(out.vertices[v].influences[k].bone, want[v][k]) << v << " " << k;
+    }
+  }
 }
 
 TEST(PreviewMesh, IndexedWithNormalsFlatWithout) {

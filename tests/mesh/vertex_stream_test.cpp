@@ -5,6 +5,7 @@
 #include <bit>
 #include <cmath>
 #include <cstring>
+#include <vector>
 
 #include "mesh/half_float.h"
 #include "mesh/unit_vector.h"
@@ -21,7 +22,8 @@ u32 ReferenceHalf(u16 h) {
   const u32 mantissa = h & 0x3FF;
   if (exponent == 0x1F) return sign | 0x7F800000 | (mantissa << 13);
   if (exponent == 0 && mantissa == 0) return sign;
-  const f32 magnitude = std::ldexp(exponent == 0 ? f32(mantissa) : f32(mantissa | 0x400), (exponent == 0 ? 1 : exponent) - 25);
+  const f32 magnitude =
+      std::ldexp(exponent == 0 ? f32(mantissa) : f32(mantissa | 0x400), (exponent == 0 ? 1 : exponent) - 25);
   return sign | std::bit_cast<u32>(magnitude);
 }
 
@@ -73,14 +75,19 @@ TEST(VertexStream, TypedReadsFollowTheTypeTable) {
     EXPECT_EQ(std::memcmp(&v4, &c.vec4, sizeof(Vec4)), 0) << v4.x << " " << v4.y << " " << v4.z << " " << v4.w;
     EXPECT_EQ(std::memcmp(&v3, &c.vec4, sizeof(Vec3)), 0);
     EXPECT_EQ(std::memcmp(&v2, &c.vec4, sizeof(Vec2)), 0);
-    EXPECT_EQ(std::memcmp(&i4, &c.int4, sizeof(Int4)), 0) << i4.v[0] << " " << i4.v[1] << " " << i4.v[2] << " " << i4.v[3];
+    EXPECT_EQ(std::memcmp(&i4, &c.int4, sizeof(Int4)), 0)
+        << i4.v[0] << " " << i4.v[1] << " " << i4.v[2] << " " << i4.v[3];
   }
 }
 
 TEST(VertexStream, FindFitAndCursor) {
   InputLayout layout;
-  MakeLayout(layout, {{kPosition, kFloat3, 0}, {kTexcoord, kFloat2, 12}, {kTexcoord, kFloat4, 0, 1},
-                      {kTexcoord, kFloat2, 20}, {kNormal, kUdec3, 20}, {kColor, kFloat1, 0, 2}});
+  MakeLayout(layout, {{kPosition, kFloat3, 0},
+                      {kTexcoord, kFloat2, 12},
+                      {kTexcoord, kFloat4, 0, 1},
+                      {kTexcoord, kFloat2, 20},
+                      {kNormal, kUdec3, 20},
+                      {kColor, kFloat1, 0, 2}});
   ModelMesh mesh;
   MakeMesh(mesh, 2, {{20, Bytes<f32>({1, 2, 3, 4, 5, 6, 7, 8, 9, 10})}, {16, std::string(32, '\0')}});
   EXPECT_EQ(FindElement(&layout, kTexcoord, 0), &layout.entries[1]) << "the earlier of two";
@@ -104,13 +111,57 @@ TEST(VertexStream, FindFitAndCursor) {
   EXPECT_EQ(missing.data, nullptr);
 }
 
+// The loops decode with the type fixed at compile time; every type must give the bits of the
+// one-vertex reads, and a stream shorter than the range must read zeros past its end.
+TEST(VertexStream, LoopsReadLikeSingleReads) {
+  constexpr u32 kVertices = 700;  // more than one block of the export's decoder
+  constexpr u32 kStride = 20;
+  std::string bytes(kVertices * kStride, '\0');
+  for (size_t i = 0; i < bytes.size(); ++i) bytes[i] = char((i * 2654435761u) >> 13);
+  for (u32 type = kFloat1; type <= kOtherType; ++type) {
+    SCOPED_TRACE(type);
+    InputLayout layout;
+    MakeLayout(layout, {{kTexcoord, type, 2}});
+    ModelMesh mesh;
+    MakeMesh(mesh, kVertices, {{kStride, bytes}});
+    for (const u32 storedVertices : {kVertices, kVertices - 3}) {
+      ASSERT_TRUE(mesh.streams[0].data.SetSize(storedVertices * kStride));
+      struct Record {
+        Vec4 value;
+        Int4 integers;
+      };
+      std::vector<Record> records(kVertices);
+      ForEachVertexIn(records.data(), 0, kVertices, mesh, layout.entries[0], [](Record& r, const u8* b, auto t) {
+        r.value = ReadVec4(b, t);
+        r.integers = ReadInt4(b, t);
+      });
+      for (u32 v = 0; v < kVertices; ++v) {
+        const u8* at = v < storedVertices ? mesh.streams[0].data.Data() + v * kStride + 2 : nullptr;
+        const Vec4 want = ReadVec4(at, type);
+        const Int4 wantIntegers = ReadInt4(at, type);
+        ASSERT_EQ(std::memcmp(&records[v].value, &want, sizeof(Vec4)), 0) << v;
+        ASSERT_EQ(std::memcmp(&records[v].integers, &wantIntegers, sizeof(Int4)), 0) << v;
+      }
+    }
+  }
+  // Bytes are scaled through a table; it must hold the quotients a division gives.
+  volatile f32 byteScale = 255.0f;
+  for (u32 b = 0; b < 256; ++b) {
+    const u8 element[4] = {u8(b), 0, 0, 0};
+    EXPECT_EQ(std::bit_cast<u32>(ReadVec4(element, kUbyte4n).x), std::bit_cast<u32>(f32(b) / byteScale)) << b;
+  }
+}
+
 TEST(UnitVector, NormalisationAndDerivedNormals) {
   struct Case {
     Vec3 in;
     Vec3 out;
   };
-  const Case shortcut[] = {{{0, 0, 0}, {0, 0, 0}}, {{0, -1, 0}, {0, -1, 0}}, {{1, 1, 1}, {1, 0, 0}},
-                           {{-1, 0.0039216f, 0.0039216f}, {-1, 0, 0}}, {{3, 0, 4}, {0.6f, 0, 0.8f}}};
+  const Case shortcut[] = {{{0, 0, 0}, {0, 0, 0}},
+                           {{0, -1, 0}, {0, -1, 0}},
+                           {{1, 1, 1}, {1, 0, 0}},
+                           {{-1, 0.0039216f, 0.0039216f}, {-1, 0, 0}},
+                           {{3, 0, 4}, {0.6f, 0, 0.8f}}};
   for (const Case& c : shortcut) {
     Vec3 v = c.in;
     NormalizeVector(v);

@@ -10,18 +10,24 @@
 namespace testsupport {
 
 // A whole skinned actor for export tests and benchmarks: a catalogue with the definition
-// "SkinnedMaterial" (draw style "normal", flag Skinned), a model of `meshCount` square grids of
-// `gridSize` x `gridSize` vertices with normals, UVs and two influences each, and its rig.
+// "SkinnedMaterial" (draw style "normal", flag Skinned), a model of `meshCount` grids of
+// `gridSize` columns and as many rows (or `gridRows`) with normals, UVs and two influences each,
+// and its rig.
 struct SkinnedActorDesc {
   u32 meshCount = 1;
   u32 gridSize = 3;
-  u32 boneCount = 4;  // at most 256: palette slots are bytes
+  u32 boneCount = 4;      // at most 256: palette slots are bytes
   bool secondUv = false;  // a second UV set at usage index 2, every vertex (0.25, 1.5)
   bool chain = false;     // each bone under the one before; otherwise bone i under (i - 1) / 2
   // Per mesh, its material's texture parameters as (parameter name, texture name); the texture
   // names join the chunk's name table.
   std::vector<std::vector<std::pair<std::string, std::string>>> textures{};
   std::array<f32, 6> bounds{};  // the model's box, minimum then maximum
+  u32 gridRows = 0;             // rows of each grid; 0 for gridSize
+  // Data as a game stores it rather than a regular grid: positions, normals and UVs moved off the
+  // grid by a fixed pseudo-random amount, and one to four influences a vertex over nearby bones
+  // (SkinnedActorVertex doesn't describe such a mesh).
+  bool varied = false;
 };
 
 struct SkinnedActor {

@@ -26,12 +26,18 @@ SkinnedActorDesc SmallModel(u32 n) { return {.meshCount = 1 + n % 2, .gridSize =
 
 }  // namespace
 
+SkinnedActorDesc LargeModel(const StressGameDesc& desc) {
+  return {.meshCount = 4, .gridSize = desc.largeGrid, .boneCount = 128, .gridRows = desc.largeRows, .varied = true};
+}
+
 bool BuildStressGame(const std::string& dir, const StressGameDesc& desc, std::string* error) {
   std::vector<SkinnedActor> small;
   for (u32 n = 0; n < kSmallModels; ++n) small.push_back(BuildSkinnedActor(SmallModel(n)));
-  const SkinnedActor large = BuildSkinnedActor({.meshCount = 4, .gridSize = desc.largeGrid, .boneCount = 128});
-  std::vector<PackFileEntry> fixed = {{"materials_3.xml", large.catalogue}, {"models\\giant.dmod", large.model},
-                                      {"rigs\\giant.mrn", BuildRigNetwork(NetworkWithSets({{7, large.rig}}, {{"Idle", 7}}))}};
+  const SkinnedActor large = BuildSkinnedActor(LargeModel(desc));
+  std::vector<PackFileEntry> fixed = {
+      {"materials_3.xml", large.catalogue},
+      {"models\\giant.dmod", large.model},
+      {"rigs\\giant.mrn", BuildRigNetwork(NetworkWithSets({{7, large.rig}}, {{"Idle", 7}}))}};
   for (u32 n = 0; n < kSmallModels; ++n) fixed.push_back({Name("models\\small_%u.dmod", n), small[n].model});
 
   std::vector<PackLayout> packs(desc.packs);
@@ -41,15 +47,19 @@ bool BuildStressGame(const std::string& dir, const StressGameDesc& desc, std::st
     if (i < fixed.size()) {
       entry = fixed[i];
     } else if (largeActors < desc.largeActors && i % 997 == 3) {
-      ActorXml actor{.fileName = "models\\giant.dmod", .hasAnimationNetwork = true, .networkFileName = "rigs\\giant.mrn",
+      ActorXml actor{.fileName = "models\\giant.dmod",
+                     .hasAnimationNetwork = true,
+                     .networkFileName = "rigs\\giant.mrn",
                      .animSetName = "Idle"};
       entry = {Name("actors\\large\\giant_%02u.adr", largeActors++), BuildActor(actor)};
     } else if (actors < desc.actors && i % 9 == 0) {
       // The actor's rig network is the one that carries its model's rig.
       const u32 model = actors % kSmallModels;
       const u32 network = (actors % (desc.rigs ? desc.rigs : 1)) / kSmallModels * kSmallModels + model;
-      ActorXml actor{.fileName = Name("models\\small_%u.dmod", model), .hasAnimationNetwork = true,
-                     .networkFileName = Name("rig_%06u.mrn", network), .animSetName = "Idle"};
+      ActorXml actor{.fileName = Name("models\\small_%u.dmod", model),
+                     .hasAnimationNetwork = true,
+                     .networkFileName = Name("rig_%06u.mrn", network),
+                     .animSetName = "Idle"};
       entry = {Name("actors\\group_%u\\actor_%06u.adr", i % 97, i), BuildActor(actor)};
       ++actors;
     } else if (rigs < desc.rigs && i % 50 == 1) {

@@ -2,6 +2,7 @@
 
 #include <libdeflate.h>
 
+#include <algorithm>
 #include <atomic>
 #include <cstring>
 #include <memory>
@@ -11,7 +12,7 @@
 
 namespace {
 
-constexpr u8 kMagic[23] = {'K', 'a', 'y', 'd', 'a', 'r', 'a', ' ', 'F', 'B', 'X', ' ',
+constexpr u8 kMagic[23] = {'K', 'a', 'y', 'd', 'a', 'r', 'a', ' ', 'F',  'B',  'X', ' ',
                            'B', 'i', 'n', 'a', 'r', 'y', ' ', ' ', 0x00, 0x1A, 0x00};
 constexpr u32 kHeaderSize = 27;
 constexpr u32 kRecordHeaderSize = 13;  // EndOffset, NumProperties, PropertyListLen (u32), NameLen (u8)
@@ -26,7 +27,9 @@ struct CompressorDeleter {
   void operator()(libdeflate_compressor* c) const { libdeflate_free_compressor(c); }
 };
 
-bool IsArray(char code) { return code == 'f' || code == 'd' || code == 'l' || code == 'i' || code == 'b' || code == 'c'; }
+bool IsArray(char code) {
+  return code == 'f' || code == 'd' || code == 'l' || code == 'i' || code == 'b' || code == 'c';
+}
 
 // The stored form of every deflated array, in the order the writer meets them.
 struct Packed {
@@ -34,7 +37,9 @@ struct Packed {
   u32 next = 0;
 };
 
-bool IsLarge(const FbxRecordValue& property) { return IsArray(property.code) && property.bytes.Size() > kFbxDeflateAbove; }
+bool IsLarge(const FbxRecordValue& property) {
+  return IsArray(property.code) && property.bytes.Size() > kFbxDeflateAbove;
+}
 
 // Lists the arrays to deflate in the order the writer meets them. Names were checked as records
 // were added.
@@ -62,22 +67,37 @@ bool Pack(const FbxRecord& document, Packed& packed) {
   if (workers > kMaxCompressors) workers = kMaxCompressors;
   if (workers > large.Count()) workers = large.Count();
   std::unique_ptr<libdeflate_compressor, CompressorDeleter> compressors[kMaxCompressors];
+  // Each worker deflates into a scratch block of its own, reused from array to array, and keeps
+  // only the bytes written: the stored form needs no zeroed room for the compressor's worst case.
+  CByteBuffer scratch[kMaxCompressors];
   for (u32 i = 0; i < workers; ++i) {
     compressors[i].reset(libdeflate_alloc_compressor(kDeflateLevel));
     if (!compressors[i]) return false;
   }
+  // Largest first, so that no large array is left to one worker at the end while the others idle.
+  TArray<u32> order;
+  if (!order.Reserve(large.Count()) || !order.SetSize(large.Count())) return false;
+  for (u32 i = 0; i < large.Count(); ++i) order[i] = i;
+  std::stable_sort(order.begin(), order.end(),
+                   [&](u32 a, u32 b) { return large[a]->bytes.Size() > large[b]->bytes.Size(); });
   std::atomic<bool> failed{false};
-  auto deflate = [&](u32 worker, u32 item) {
+  auto deflate = [&](u32 worker, u32 next) {
+    const u32 item = order[next];
     libdeflate_compressor* compressor = compressors[worker].get();
     const CByteBuffer& raw = large[item]->bytes;
-    CByteBuffer& stream = packed.streams[item];
+    CByteBuffer& room = scratch[worker];
     const size_t bound = libdeflate_zlib_compress_bound(compressor, raw.Size());
-    if (bound > UINT32_MAX || !stream.SetSize(static_cast<u32>(bound))) {
+    if (bound > UINT32_MAX || !room.SetSizeForOverwrite(static_cast<u32>(bound))) {
       failed = true;
       return;
     }
-    const size_t size = libdeflate_zlib_compress(compressor, raw.Data(), raw.Size(), stream.Data(), bound);
-    if (size == 0 || !stream.SetSize(static_cast<u32>(size))) failed = true;
+    const size_t size = libdeflate_zlib_compress(compressor, raw.Data(), raw.Size(), room.Data(), bound);
+    CByteBuffer& stream = packed.streams[item];
+    if (size == 0 || !stream.SetSizeForOverwrite(static_cast<u32>(size))) {
+      failed = true;
+      return;
+    }
+    std::memcpy(stream.Data(), room.Data(), size);
   };
   ParallelFor(large.Count(), workers, deflate);
   return !failed;
@@ -87,9 +107,12 @@ u64 PropertySize(const FbxRecordValue& property, const Packed& packed, u32& pack
   switch (property.code) {
     case 'C': return 1 + 1;
     case 'Y': return 1 + 2;
-    case 'I': case 'F': return 1 + 4;
-    case 'D': case 'L': return 1 + 8;
-    case 'S': case 'R': return 1 + 4 + u64(property.bytes.Size());
+    case 'I':
+    case 'F': return 1 + 4;
+    case 'D':
+    case 'L': return 1 + 8;
+    case 'S':
+    case 'R': return 1 + 4 + u64(property.bytes.Size());
     default:
       if (IsLarge(property)) return 1 + kArrayHeaderSize + u64(packed.streams[packedIndex++].Size());
       return 1 + kArrayHeaderSize + u64(property.bytes.Size());
@@ -142,7 +165,8 @@ void EmitProperty(Emitter& out, const FbxRecordValue& property, Packed& packed) 
     case 'L': out.Value<i64>(property.integer); return;
     case 'F': out.Value<f32>(static_cast<f32>(property.real)); return;
     case 'D': out.Value<f64>(property.real); return;
-    case 'S': case 'R':
+    case 'S':
+    case 'R':
       out.Value<u32>(property.bytes.Size());
       out.Bytes(property.bytes.Data(), property.bytes.Size());
       return;

@@ -40,34 +40,6 @@ void FbxMesh::SetControlPointAt(const FbxVector4& point, int index) {
   if (index >= 0 && u32(index) < controlPoints.Count()) controlPoints[u32(index)] = point;
 }
 
-void FbxMesh::BeginPolygon(int, int, int, bool) {
-  // An open polygon left without EndPolygon is dropped.
-  if (polygonOpen) (void)polygonVertices.SetSize(openPolygonStart);
-  openPolygonStart = polygonVertices.Count();
-  polygonOpen = true;
-}
-
-bool FbxMesh::AddPolygon(int index, int) {
-  if (index < 0 || u32(index) >= controlPoints.Count()) return false;
-  int* slot = polygonOpen ? polygonVertices.Append() : nullptr;
-  if (!slot) return false;
-  *slot = index;
-  return true;
-}
-
-bool FbxMesh::EndPolygon() {
-  if (!polygonOpen) return false;
-  polygonOpen = false;
-  if (polygonVertices.Count() == openPolygonStart) return true;
-  u32* end = polygonEnds.Append();
-  if (!end) {
-    (void)polygonVertices.SetSize(openPolygonStart);
-    return false;
-  }
-  *end = polygonVertices.Count();
-  return true;
-}
-
 bool FbxMesh::ReservePolygons(u32 polygons, u32 vertices) {
   if (polygons > UINT32_MAX - polygonEnds.Count() || vertices > UINT32_MAX - polygonVertices.Count()) return false;
   return polygonEnds.Reserve(polygonEnds.Count() + polygons) &&
@@ -76,7 +48,8 @@ bool FbxMesh::ReservePolygons(u32 polygons, u32 vertices) {
 
 FbxLayerElementNormal* FbxMesh::CreateElementNormal() {
   FbxLayer* layer = FirstLayer();
-  FbxLayerElementNormal* element = layer ? Adopt(TOwned<FbxLayerElementNormal>(MemNew<FbxLayerElementNormal>())) : nullptr;
+  FbxLayerElementNormal* element =
+      layer ? Adopt(TOwned<FbxLayerElementNormal>(MemNew<FbxLayerElementNormal>())) : nullptr;
   if (element) layer->SetNormals(element);
   return element;
 }

@@ -146,13 +146,35 @@ class FbxMesh final : public FbxGeometry, public FbxCreatable<FbxMesh> {
   const FbxVector4* GetControlPoints() const { return controlPoints.Data(); }
 
   // The material, texture and group of a polygon don't exist in the files written; they are taken
-  // for the calls' sake.
-  void BeginPolygon(int material = -1, int texture = -1, int group = -1, bool legacy = true);
+  // for the calls' sake. The three calls are inline: a large mesh makes millions of them.
+  void BeginPolygon(int /*material*/ = -1, int /*texture*/ = -1, int /*group*/ = -1, bool /*legacy*/ = true) {
+    // An open polygon left without EndPolygon is dropped.
+    if (polygonOpen) (void)polygonVertices.SetSize(openPolygonStart);
+    openPolygonStart = polygonVertices.Count();
+    polygonOpen = true;
+  }
   // False when memory is refused, no polygon is open, or `index` is no control point: a file
   // that names a missing point is misread by every reader.
-  [[nodiscard]] bool AddPolygon(int index, int textureUV = -1);
+  [[nodiscard]] bool AddPolygon(int index, int /*textureUV*/ = -1) {
+    if (index < 0 || u32(index) >= controlPoints.Count()) return false;
+    int* slot = polygonOpen ? polygonVertices.Append() : nullptr;
+    if (!slot) return false;
+    *slot = index;
+    return true;
+  }
   // False when memory is refused; a polygon without vertices is dropped.
-  [[nodiscard]] bool EndPolygon();
+  [[nodiscard]] bool EndPolygon() {
+    if (!polygonOpen) return false;
+    polygonOpen = false;
+    if (polygonVertices.Count() == openPolygonStart) return true;
+    u32* end = polygonEnds.Append();
+    if (!end) {
+      (void)polygonVertices.SetSize(openPolygonStart);
+      return false;
+    }
+    *end = polygonVertices.Count();
+    return true;
+  }
   u32 GetPolygonCount() const { return polygonEnds.Count(); }
   // Every polygon's vertices one after another; polygon p ends before PolygonEnd(p).
   const TArray<int>& PolygonVertices() const { return polygonVertices; }

@@ -10,8 +10,10 @@ constexpr size_t kMaxNameLength = 255;
 
 u32 FbxElementSize(char code) {
   switch (code) {
-    case 'f': case 'i': return 4;
-    case 'd': case 'l': return 8;
+    case 'f':
+    case 'i': return 4;
+    case 'd':
+    case 'l': return 8;
     default: return 1;
   }
 }
@@ -67,7 +69,8 @@ void* FbxRecord::AddArrayStorage(char code, u32 count, u32 elementSize) {
   if (u64(count) * elementSize > UINT32_MAX) return nullptr;
   FbxRecordValue* property = properties.Append();
   if (!property) return nullptr;
-  if (!property->bytes.SetSize(count * elementSize)) {
+  // The caller fills every element.
+  if (!property->bytes.SetSizeForOverwrite(count * elementSize)) {
     (void)properties.SetSize(properties.Count() - 1);
     return nullptr;
   }

@@ -5,13 +5,16 @@
 #include "core/types.h"
 #include "core/value_string.h"
 
+constexpr u32 kFbxValueGranule = 16;
+
 // One property of a binary FBX record: a type code and its value. Scalars live in `integer` or
 // `real`; strings, raw bytes and arrays keep their little-endian bytes in `bytes`.
 struct FbxRecordValue {
   char code = 0;  // Y C I F D L S R f d l i
   i64 integer = 0;
   f64 real = 0;
-  CByteBuffer bytes;
+  // A small step: a scene has thousands of short strings, and a large array is sized once.
+  CByteBuffer bytes{kFbxValueGranule};
   u32 count = 0;  // array elements
 };
 

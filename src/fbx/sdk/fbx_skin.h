@@ -20,8 +20,17 @@ class FbxCluster final : public FbxObject, public FbxCreatable<FbxCluster> {
   void SetTransformLinkMatrix(const FbxAMatrix& matrix) { transformLink = matrix; }
   const FbxAMatrix& GetTransformLinkMatrix() const { return transformLink; }
 
-  // False when memory is refused.
-  [[nodiscard]] bool AddControlPointIndex(int index, f64 weight);
+  // False when memory is refused. Inline: a skin adds one for every weight of its mesh.
+  [[nodiscard]] bool AddControlPointIndex(int index, f64 weight) {
+    // Room in both arrays first, so a refusal leaves them the same length.
+    if (indices.Count() == indices.Capacity() && !indices.Reserve(indices.Count() < 8 ? 8 : 2 * indices.Count())) {
+      return false;
+    }
+    if (weights.Count() == weights.Capacity() && !weights.Reserve(indices.Capacity())) return false;
+    *indices.Append() = index;
+    *weights.Append() = weight;
+    return true;
+  }
   u32 GetControlPointIndicesCount() const { return indices.Count(); }
   const int* GetControlPointIndices() const { return indices.Data(); }
   const f64* GetControlPointWeights() const { return weights.Data(); }
