@@ -4,6 +4,7 @@
 #include <string>
 
 #include "cli/cli_session.h"
+#include "platform/folders.h"
 
 namespace {
 
@@ -68,7 +69,8 @@ int main(int argc, char** argv) {
       std::printf("tarnwick-cli %s\n", TARNWICK_VERSION);
       return 0;
     } else if (arg == "--prefix") {
-      ok = take(options.prefixes.emplace_back());
+      // A mistyped prefix would otherwise only be missing from where discovery says it looked.
+      ok = take(options.prefixes.emplace_back()) && IsFolder(options.prefixes.back().c_str());
     } else if (arg == "--game") {
       ok = take(options.game);
     } else if (arg == "--data-dir") {
@@ -97,9 +99,11 @@ int main(int argc, char** argv) {
       options.arguments.push_back(arg);
     }
     if (!ok) {
-      std::fprintf(stderr, "tarnwick-cli: %s needs a value%s\n", arg.c_str(), arg == "--jobs"     ? " from 1 to 64"
-                                                           : arg == "--format" ? ": fbx or glb"
-                                                                               : "");
+      std::fprintf(stderr, "tarnwick-cli: %s needs a value%s\n", arg.c_str(),
+                   arg == "--jobs"     ? " from 1 to 64"
+                   : arg == "--format" ? ": fbx or glb"
+                   : arg == "--prefix" ? ": an existing folder"
+                                       : "");
       return 2;
     }
   }
@@ -112,6 +116,7 @@ int main(int argc, char** argv) {
   if (command == "games") return RunGames(options);
   if (command == "list") return RunList(options);
   if (command == "convert") return options.outDir.empty() ? RunConvert(options) : RunBatchConvert(options);
-  std::fprintf(stderr, "%s%s", command.empty() ? "" : ("tarnwick-cli: unknown command " + command + "\n\n").c_str(), kUsage);
+  std::fprintf(stderr, "%s%s", command.empty() ? "" : ("tarnwick-cli: unknown command " + command + "\n\n").c_str(),
+               kUsage);
   return 2;
 }

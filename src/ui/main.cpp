@@ -7,6 +7,7 @@
 
 #include "app/app_state.h"
 #include "app/game_search.h"
+#include "platform/folders.h"
 #include "ui/main_window.h"
 #include "ui/render_control.h"
 
@@ -33,6 +34,10 @@ int main(int argc, char** argv) {
     if (std::strcmp(argv[i], "--data-dir") == 0 && i + 1 < argc) {
       dataDir = argv[++i];
     } else if (std::strcmp(argv[i], "--prefix") == 0 && i + 1 < argc) {
+      if (!IsFolder(argv[i + 1])) {
+        std::fprintf(stderr, "tarnwick: --prefix needs a value: an existing folder\n");
+        return 2;
+      }
       prefixes.emplace_back(argv[++i]);
     } else if (std::strcmp(argv[i], "--game-dir") == 0 && i + 1 < argc) {
       gameDir = argv[++i];

@@ -234,6 +234,9 @@ TEST(Cli, FindsListsAndConvertsAGameInAProtonPrefixOrAPrefixGivenByHand) {
                 "or with --prefix DIR for a Wine prefix elsewhere.",
                 "tarnwick-cli: no installed game was found"}));
   EXPECT_EQ(Cli("--prefix").status, 2);
+  const CliRun mistyped = Cli("--prefix '" + base + "/nowhere' games", true);
+  EXPECT_EQ(mistyped.status, 2);
+  EXPECT_EQ(mistyped.out, "tarnwick-cli: --prefix needs a value: an existing folder\n");
   const CliRun version = Cli("--version");
   EXPECT_EQ(version.status, 0);
   EXPECT_EQ(version.out.rfind("tarnwick-cli ", 0), 0u) << version.out;
