@@ -11,6 +11,7 @@
 #include "preview/image_decode.h"
 #include "support/image_writer.h"
 #include "support/pack_writer.h"
+#include "support/shell_run.h"
 #include "support/skinned_actor.h"
 #include "support/temp_dir.h"
 #include "support/xml_writer.h"
@@ -134,12 +135,7 @@ TEST_F(TextureExport, AssimpFindsEachMeshsDiffuseTextureFile) {
 std::string BlenderProbe(const std::string& fbx) {
   const std::string command = "blender -b --factory-startup --python '" TARNWICK_TEST_SOURCE_DIR
                               "/app/blender_texture_probe.py' -- '" + fbx + "' 2>/dev/null";
-  FILE* pipe = popen(command.c_str(), "r");
-  if (!pipe) return {};
-  std::string output;
-  char chunk[4096];
-  for (size_t n; (n = std::fread(chunk, 1, sizeof(chunk), pipe)) > 0;) output.append(chunk, n);
-  pclose(pipe);
+  const std::string output = testsupport::RunShell(command).out;
   const size_t at = output.find("PROBE ");
   return at == std::string::npos ? output : output.substr(at + 6, output.find('\n', at) - at - 6);
 }

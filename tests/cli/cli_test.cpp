@@ -10,6 +10,7 @@
 #include "support/pack_writer.h"
 #include "support/rig_writer.h"
 #include "support/sample_game.h"
+#include "support/shell_run.h"
 #include "support/skinned_actor.h"
 #include "support/temp_dir.h"
 #include "support/wine_prefix.h"
@@ -17,25 +18,15 @@
 
 namespace {
 
-struct CliRun {
-  int status = -1;
-  std::string out;
-};
+using CliRun = testsupport::ShellRun;
 
 // The command line program with `arguments`: its standard output, or with `errors` its standard
 // error; the other is dropped. It runs with `home` as the home folder, without $WINEPREFIX and
 // $XDG_DATA_HOME, so that the real home's digests and prefixes stay out of it.
 CliRun Cli(const std::string& arguments, bool errors = false, const std::string& home = "/nonexistent") {
-  CliRun run;
   const std::string redirect = errors ? " 2>&1 >/dev/null" : " 2>/dev/null";
   const std::string environment = "env -u WINEPREFIX -u XDG_DATA_HOME HOME='" + home + "' ";
-  FILE* pipe = popen((environment + TARNWICK_CLI + " " + arguments + redirect).c_str(), "r");
-  if (!pipe) return run;
-  char buffer[4096];
-  for (size_t n; (n = std::fread(buffer, 1, sizeof(buffer), pipe)) > 0;) run.out.append(buffer, n);
-  const int status = pclose(pipe);
-  run.status = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
-  return run;
+  return testsupport::RunShell(environment + TARNWICK_CLI + " " + arguments + redirect);
 }
 
 std::vector<std::string> Lines(const std::string& text) {

@@ -13,26 +13,15 @@
 #include "fbx/export_fixture.h"
 #include "glb_reader.h"
 #include "support/sample_game.h"
+#include "support/shell_run.h"
 
 namespace {
 
 using exporttest::LoadedActor;
 
-struct ShellRun {
-  int status = -1;
-  std::string out;
-};
+using testsupport::ShellRun;
 
-ShellRun Shell(const std::string& command) {
-  ShellRun run;
-  FILE* pipe = popen(command.c_str(), "r");
-  if (!pipe) return run;
-  char chunk[4096];
-  for (size_t n; (n = std::fread(chunk, 1, sizeof(chunk), pipe)) > 0;) run.out.append(chunk, n);
-  const int status = pclose(pipe);
-  run.status = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
-  return run;
-}
+ShellRun Shell(const std::string& command) { return testsupport::RunShell(command); }
 
 std::string Quoted(const std::string& text) { return "'" + text + "'"; }
 
