@@ -31,36 +31,30 @@ bool IsArray(char code) {
   return code == 'f' || code == 'd' || code == 'l' || code == 'i' || code == 'b' || code == 'c';
 }
 
-// The stored form of every deflated array, in the order the writer meets them.
-struct Packed {
-  TArray<CByteBuffer> streams;
-  u32 next = 0;
-};
-
 bool IsLarge(const FbxRecordValue& property) {
-  return IsArray(property.code) && property.bytes.Size() > kFbxDeflateAbove;
+  return IsArray(property.code) && !property.deflated && property.bytes.Size() > kFbxDeflateAbove;
 }
 
-// Lists the arrays to deflate in the order the writer meets them. Names were checked as records
-// were added.
-bool CollectLarge(const FbxRecord& record, TArray<const FbxRecordValue*>& large) {
-  for (const FbxRecordValue& property : record.properties) {
+// Lists the arrays still to deflate. Names were checked as records were added.
+bool CollectLarge(FbxRecord& record, TArray<FbxRecordValue*>& large) {
+  for (FbxRecordValue& property : record.properties) {
     if (!IsLarge(property)) continue;
-    const FbxRecordValue** slot = large.Append();
+    FbxRecordValue** slot = large.Append();
     if (!slot) return false;
     *slot = &property;
   }
-  for (const FbxRecord& child : record.children) {
+  for (FbxRecord& child : record.children) {
     if (!CollectLarge(child, large)) return false;
   }
   return true;
 }
 
 // Deflates the large arrays on every processor: they are independent, and compression is most of
-// the time a file takes to write. Each worker has a compressor of its own.
-bool Pack(const FbxRecord& document, Packed& packed) {
-  TArray<const FbxRecordValue*> large;
-  if (!CollectLarge(document, large) || !packed.streams.SetSize(large.Count())) return false;
+// the time a file takes to write. Each worker has a compressor of its own. Each array's raw bytes
+// give way to its stream as soon as it is deflated, so the document shrinks while it is packed.
+bool Pack(FbxRecord& document) {
+  TArray<FbxRecordValue*> large;
+  if (!CollectLarge(document, large)) return false;
   if (large.Count() == 0) return true;
   // Inside a batch the files themselves are spread over the processors.
   u32 workers = InsideParallelFor() ? 1 : ProcessorCount();
@@ -75,35 +69,34 @@ bool Pack(const FbxRecord& document, Packed& packed) {
     if (!compressors[i]) return false;
   }
   // Largest first, so that no large array is left to one worker at the end while the others idle.
-  TArray<u32> order;
-  if (!order.Reserve(large.Count()) || !order.SetSize(large.Count())) return false;
-  for (u32 i = 0; i < large.Count(); ++i) order[i] = i;
-  std::stable_sort(order.begin(), order.end(),
-                   [&](u32 a, u32 b) { return large[a]->bytes.Size() > large[b]->bytes.Size(); });
+  std::stable_sort(large.begin(), large.end(),
+                   [](const FbxRecordValue* a, const FbxRecordValue* b) { return a->bytes.Size() > b->bytes.Size(); });
   std::atomic<bool> failed{false};
-  auto deflate = [&](u32 worker, u32 next) {
-    const u32 item = order[next];
+  auto deflate = [&](u32 worker, u32 item) {
     libdeflate_compressor* compressor = compressors[worker].get();
-    const CByteBuffer& raw = large[item]->bytes;
+    FbxRecordValue& property = *large[item];
     CByteBuffer& room = scratch[worker];
-    const size_t bound = libdeflate_zlib_compress_bound(compressor, raw.Size());
+    const size_t bound = libdeflate_zlib_compress_bound(compressor, property.bytes.Size());
     if (bound > UINT32_MAX || !room.SetSizeForOverwrite(static_cast<u32>(bound))) {
       failed = true;
       return;
     }
-    const size_t size = libdeflate_zlib_compress(compressor, raw.Data(), raw.Size(), room.Data(), bound);
-    CByteBuffer& stream = packed.streams[item];
+    const size_t size =
+        libdeflate_zlib_compress(compressor, property.bytes.Data(), property.bytes.Size(), room.Data(), bound);
+    CByteBuffer stream(property.bytes.Granule());
     if (size == 0 || !stream.SetSizeForOverwrite(static_cast<u32>(size))) {
       failed = true;
       return;
     }
     std::memcpy(stream.Data(), room.Data(), size);
+    property.bytes = std::move(stream);
+    property.deflated = true;
   };
   ParallelFor(large.Count(), workers, deflate);
   return !failed;
 }
 
-u64 PropertySize(const FbxRecordValue& property, const Packed& packed, u32& packedIndex) {
+u64 PropertySize(const FbxRecordValue& property) {
   switch (property.code) {
     case 'C': return 1 + 1;
     case 'Y': return 1 + 2;
@@ -113,50 +106,75 @@ u64 PropertySize(const FbxRecordValue& property, const Packed& packed, u32& pack
     case 'L': return 1 + 8;
     case 'S':
     case 'R': return 1 + 4 + u64(property.bytes.Size());
-    default:
-      if (IsLarge(property)) return 1 + kArrayHeaderSize + u64(packed.streams[packedIndex++].Size());
-      return 1 + kArrayHeaderSize + u64(property.bytes.Size());
+    default: return 1 + kArrayHeaderSize + u64(property.bytes.Size());
   }
 }
 
-u64 PropertiesSize(const FbxRecord& record, const Packed& packed, u32& packedIndex) {
+u64 PropertiesSize(const FbxRecord& record) {
   u64 size = 0;
-  for (const FbxRecordValue& property : record.properties) size += PropertySize(property, packed, packedIndex);
+  for (const FbxRecordValue& property : record.properties) size += PropertySize(property);
   return size;
 }
 
-u64 RecordSize(const FbxRecord& record, const Packed& packed, u32& packedIndex) {
-  u64 size = kRecordHeaderSize + u64(std::strlen(record.name.Text())) + PropertiesSize(record, packed, packedIndex);
-  for (const FbxRecord& child : record.children) size += RecordSize(child, packed, packedIndex);
+u64 RecordSize(const FbxRecord& record) {
+  u64 size = kRecordHeaderSize + u64(std::strlen(record.name.Text())) + PropertiesSize(record);
+  for (const FbxRecord& child : record.children) size += RecordSize(child);
   if (record.children.Count() || record.block) size += kRecordHeaderSize;
   return size;
 }
 
-// Writes into a buffer sized beforehand, so every write fits.
+// Hands the file's bytes to the sink in order, gathered into blocks of a fixed size; a large
+// array goes to the sink straight from the document. The whole file is never held at once.
 class Emitter {
  public:
-  explicit Emitter(u8* start) : base(start) {}
-  u32 Position() const { return at; }
+  explicit Emitter(FbxByteSink& to) : sink(to) {}
+  [[nodiscard]] bool Init() { return block.SetSizeForOverwrite(kBlockSize); }
+  u64 Position() const { return position; }
   void Bytes(const void* data, u32 size) {
-    if (size) std::memcpy(base + at, data, size);
-    at += size;
+    position += size;
+    if (size > kBlockSize - used) {
+      Flush();
+      if (size >= kBlockSize) {
+        ok = ok && sink.Put(data, size);
+        return;
+      }
+    }
+    if (size) std::memcpy(block.Data() + used, data, size);
+    used += size;
   }
   void Zeros(u32 size) {
-    std::memset(base + at, 0, size);
-    at += size;
+    static constexpr u8 kZeros[kFooterZeros] = {};
+    for (u32 step = 0; size; size -= step) {
+      step = size < sizeof(kZeros) ? size : u32(sizeof(kZeros));
+      Bytes(kZeros, step);
+    }
   }
   template <class T>
   void Value(T value) {
     Bytes(&value, sizeof(T));
   }
-  void PatchU32(u32 position, u32 value) { std::memcpy(base + position, &value, 4); }
+  // False when the sink refused any of the bytes.
+  [[nodiscard]] bool Finish() {
+    Flush();
+    return ok;
+  }
 
  private:
-  u8* base;
-  u32 at = 0;
+  static constexpr u32 kBlockSize = 1 << 20;
+
+  void Flush() {
+    if (used) ok = ok && sink.Put(block.Data(), used);
+    used = 0;
+  }
+
+  FbxByteSink& sink;
+  CByteBuffer block;
+  u32 used = 0;
+  u64 position = 0;
+  bool ok = true;
 };
 
-void EmitProperty(Emitter& out, const FbxRecordValue& property, Packed& packed) {
+void EmitProperty(Emitter& out, const FbxRecordValue& property) {
   out.Value<char>(property.code);
   switch (property.code) {
     case 'C': out.Value<u8>(static_cast<u8>(property.integer)); return;
@@ -170,53 +188,65 @@ void EmitProperty(Emitter& out, const FbxRecordValue& property, Packed& packed) 
       out.Value<u32>(property.bytes.Size());
       out.Bytes(property.bytes.Data(), property.bytes.Size());
       return;
-    default: {
-      const bool deflated = IsLarge(property);
-      const CByteBuffer& stored = deflated ? packed.streams[packed.next++] : property.bytes;
+    default:
       out.Value<u32>(property.count);
-      out.Value<u32>(deflated ? 1 : 0);
-      out.Value<u32>(stored.Size());
-      out.Bytes(stored.Data(), stored.Size());
-    }
+      out.Value<u32>(property.deflated ? 1 : 0);
+      out.Value<u32>(property.bytes.Size());
+      out.Bytes(property.bytes.Data(), property.bytes.Size());
   }
 }
 
-void EmitRecord(Emitter& out, const FbxRecord& record, Packed& packed) {
-  const u32 start = out.Position();
-  u32 packedIndex = packed.next;
-  const u64 propertyBytes = PropertiesSize(record, packed, packedIndex);
+// The end offset comes first in a record, so it is counted before the record is written.
+void EmitRecord(Emitter& out, const FbxRecord& record) {
   const u32 nameLength = static_cast<u32>(std::strlen(record.name.Text()));
-  out.Value<u32>(0);  // EndOffset, patched once the record is written
+  out.Value<u32>(static_cast<u32>(out.Position() + RecordSize(record)));
   out.Value<u32>(record.properties.Count());
-  out.Value<u32>(static_cast<u32>(propertyBytes));
+  out.Value<u32>(static_cast<u32>(PropertiesSize(record)));
   out.Value<u8>(static_cast<u8>(nameLength));
   out.Bytes(record.name.Text(), nameLength);
-  for (const FbxRecordValue& property : record.properties) EmitProperty(out, property, packed);
-  for (const FbxRecord& child : record.children) EmitRecord(out, child, packed);
+  for (const FbxRecordValue& property : record.properties) EmitProperty(out, property);
+  for (const FbxRecord& child : record.children) EmitRecord(out, child);
   if (record.children.Count() || record.block) out.Zeros(kRecordHeaderSize);
-  out.PatchU32(start, out.Position());
 }
+
+// Gathers the bytes into one buffer.
+class BufferSink final : public FbxByteSink {
+ public:
+  explicit BufferSink(CByteBuffer& buffer) : out(buffer) {}
+  bool Put(const void* data, u32 size) override {
+    const u32 at = out.Size();
+    const u64 needed = u64(at) + size;
+    if (needed > UINT32_MAX) return false;
+    // Room doubles, so a file gathered block by block is copied a bounded number of times.
+    if (needed > out.Capacity() && !out.Reserve(u32(std::min<u64>(UINT32_MAX, std::max(needed, 2 * u64(out.Capacity())))))) {
+      return false;
+    }
+    if (!out.SetSizeForOverwrite(u32(needed))) return false;
+    std::memcpy(out.Data() + at, data, size);
+    return true;
+  }
+
+ private:
+  CByteBuffer& out;
+};
 
 }  // namespace
 
-bool WriteFbxBinary(const FbxRecord& document, const char* creationTime, CByteBuffer& out) {
-  Packed packed;
-  if (!Pack(document, packed)) return false;
-
-  u32 packedIndex = 0;
+FbxWriteResult WriteFbxBinary(FbxRecord& document, const char* creationTime, FbxByteSink& sink) {
+  if (!Pack(document)) return FbxWriteResult::kOutOfMemory;
   u64 size = kHeaderSize + kRecordHeaderSize;
-  for (const FbxRecord& record : document.children) size += RecordSize(record, packed, packedIndex);
+  for (const FbxRecord& record : document.children) size += RecordSize(record);
   // Footer: its id, zeros to the next multiple of 16 (16 when already there), 4 zeros, the
   // version, 120 zeros and the end magic.
   const u64 afterId = size + 16;
   const u64 padding = 16 - afterId % 16;
   const u64 total = afterId + padding + 4 + 4 + kFooterZeros + sizeof(kEndMagic);
-  if (total > UINT32_MAX || !out.SetSize(static_cast<u32>(total))) return false;
-
-  Emitter emit(out.Data());
+  if (total > UINT32_MAX) return FbxWriteResult::kOutOfMemory;
+  Emitter emit(sink);
+  if (!emit.Init()) return FbxWriteResult::kOutOfMemory;
   emit.Bytes(kMagic, sizeof(kMagic));
   emit.Value<u32>(kFbxFileVersion);
-  for (const FbxRecord& record : document.children) EmitRecord(emit, record, packed);
+  for (const FbxRecord& record : document.children) EmitRecord(emit, record);
   emit.Zeros(kRecordHeaderSize);
   u8 footerId[16];
   FbxFooterId(creationTime, footerId);
@@ -225,5 +255,12 @@ bool WriteFbxBinary(const FbxRecord& document, const char* creationTime, CByteBu
   emit.Value<u32>(kFbxFileVersion);
   emit.Zeros(kFooterZeros);
   emit.Bytes(kEndMagic, sizeof(kEndMagic));
-  return emit.Position() == total;
+  if (!emit.Finish()) return FbxWriteResult::kSinkFailed;
+  return emit.Position() == total ? FbxWriteResult::kWritten : FbxWriteResult::kOutOfMemory;
+}
+
+bool WriteFbxBinary(FbxRecord& document, const char* creationTime, CByteBuffer& out) {
+  out.Release();
+  BufferSink sink(out);
+  return WriteFbxBinary(document, creationTime, sink) == FbxWriteResult::kWritten;
 }

@@ -7,6 +7,20 @@
 #include "fbx/sdk/fbx_document.h"
 #include "fbx/sdk/fbx_scene_writer.h"
 
+namespace {
+
+// The file's bytes go to the temporary as they are laid out.
+class FileSink final : public FbxByteSink {
+ public:
+  explicit FileSink(OutputFile& output) : file(output) {}
+  bool Put(const void* data, u32 size) override { return file.Write(data, size); }
+
+ private:
+  OutputFile& file;
+};
+
+}  // namespace
+
 void FbxStatus::SetError(const char* format, ...) {
   va_list args;
   va_start(args, format);
@@ -44,13 +58,15 @@ bool FbxExporter::Export(const FbxScene* scene, bool nonBlocking) {
   char timeText[24];
   FormatCreationTime(time, timeText);
   FbxRecord document;
-  CByteBuffer bytes;
-  if (!BuildSceneDocument(*scene, time, document) || !WriteFbxBinary(document, timeText, bytes)) {
+  FileSink sink(file);
+  const FbxWriteResult result =
+      BuildSceneDocument(*scene, time, document) ? WriteFbxBinary(document, timeText, sink) : FbxWriteResult::kOutOfMemory;
+  if (result == FbxWriteResult::kOutOfMemory) {
     status.SetError("Out of memory");
     file.Discard();
     return false;
   }
-  if (!file.Write(bytes.Data(), bytes.Size()) || !file.Commit(flush)) {
+  if (result == FbxWriteResult::kSinkFailed || !file.Commit(flush)) {
     status.SetError("Cannot write the file: %s", file.Error());
     return false;
   }

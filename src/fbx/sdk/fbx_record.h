@@ -16,6 +16,7 @@ struct FbxRecordValue {
   // A small step: a scene has thousands of short strings, and a large array is sized once.
   CByteBuffer bytes{kFbxValueGranule};
   u32 count = 0;  // array elements
+  bool deflated = false;  // an array whose `bytes` are already its zlib stream, as the file stores it
 };
 
 // A record of a binary FBX file: a name, its properties and its child records. A `block` record is
