@@ -113,6 +113,44 @@ TEST(FbxBinaryWriter, RoundTripsEveryKindAndDeflatesLargeArrays) {
   EXPECT_TRUE(read.footerOk);
 }
 
+// Takes the bytes in the pieces the writer hands over, refusing the piece numbered `refuseAt`.
+struct PieceSink final : FbxByteSink {
+  std::string bytes;
+  u32 pieces = 0;
+  u32 refuseAt = UINT32_MAX;
+  bool Put(const void* data, u32 size) override {
+    if (pieces++ == refuseAt) return false;
+    bytes.append(static_cast<const char*>(data), size);
+    return true;
+  }
+};
+
+TEST(FbxBinaryWriter, HandsOverAFileOfSeveralBlocksWhole) {
+  FbxRecord document;
+  std::vector<f64> noise(300000);
+  u64 state = 88172645463325252ull;
+  for (f64& value : noise) {
+    state ^= state << 13, state ^= state >> 7, state ^= state << 17;
+    value = f64(state);
+  }
+  ASSERT_TRUE(document.AddChild("Before")->AddInt32(1));
+  ASSERT_TRUE(document.AddChild("Noise")->AddDoubles(noise.data(), u32(noise.size())));
+  ASSERT_TRUE(document.AddChild("After")->AddString("tail"));
+  const std::string whole = Write(document);
+  ASSERT_GT(whole.size(), 2u << 20) << "more than one block";
+  EXPECT_EQ(Write(document), whole) << "a document written twice gives the same bytes";
+
+  PieceSink gathered;
+  ASSERT_EQ(WriteFbxBinary(document, kTime, gathered), FbxWriteResult::kWritten);
+  EXPECT_EQ(gathered.bytes, whole);
+  ASSERT_GT(gathered.pieces, 2u);
+  for (u32 refuse = 0; refuse < gathered.pieces; ++refuse) {
+    PieceSink failing;
+    failing.refuseAt = refuse;
+    EXPECT_EQ(WriteFbxBinary(document, kTime, failing), FbxWriteResult::kSinkFailed) << refuse;
+  }
+}
+
 TEST(FbxBinaryWriter, RefusesWhatItCannotWrite) {
   FbxRecord named;
   EXPECT_EQ(named.AddChild(std::string(256, 'n').c_str()), nullptr) << "names keep their length in one byte";
