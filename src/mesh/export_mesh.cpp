@@ -5,6 +5,7 @@
 
 #include "mesh/bone_renumbering.h"
 #include "mesh/mesh_indices.h"
+#include "mesh/normalize_vectors.h"
 #include "mesh/unit_vector.h"
 
 namespace {
@@ -90,17 +91,24 @@ Elements FindElements(ExportMesh& out, const ModelMesh& mesh, const InputLayout*
   return e;
 }
 
-// Reads unit vectors of the element into `to`, normalised with or without the axis shortcut.
+// One element's vectors of a block as planes, the shape the normaliser takes.
+struct BlockVectors {
+  f32 x[kBlockVertices], y[kBlockVertices], z[kBlockVertices];
+};
+
+// Unit vectors of the element for vertices first to first + count - 1 (a block at most) into `to`,
+// normalised with or without the axis shortcut.
 void ReadNormalized(Vec3* to, u32 first, u32 count, const ModelMesh& mesh, const LayoutEntry& entry,
                     bool axisShortcut) {
-  ForEachVertexIn(to, first, count, mesh, entry, [axisShortcut](Vec3& v, const u8* b, auto t) {
-    v = ReadUnit(b, t);
-    if (axisShortcut) {
-      NormalizeVector(v);
-    } else {
-      NormalizeByLength(v);
-    }
+  BlockVectors v;
+  ForEachVertexIndexIn(first, count, mesh, entry, [&v](u32 i, const u8* b, auto t) {
+    const Vec3 unit = ReadUnit(b, t);
+    v.x[i] = unit.x;
+    v.y[i] = unit.y;
+    v.z[i] = unit.z;
   });
+  NormalizeVectors(v.x, v.y, v.z, count, axisShortcut);
+  for (u32 i = 0; i < count; ++i) to[i] = {v.x[i], v.y[i], v.z[i]};
 }
 
 void ReadNormalsAndFrame(ExportMesh& out, u32 first, u32 count, const ModelMesh& mesh, const Elements& e) {
@@ -113,10 +121,10 @@ void ReadNormalsAndFrame(ExportMesh& out, u32 first, u32 count, const ModelMesh&
   ReadNormalized(binormals, first, count, mesh, *e.binormal, e.normal != nullptr);
   ReadNormalized(tangents, first, count, mesh, *e.tangent, e.normal != nullptr);
   if (e.normal) return;
-  f32 tangentW[kBlockVertices];
-  ForEachVertexIn(tangentW, first, count, mesh, *e.tangent, [](f32& w, const u8* b, auto t) { w = ReadVec4(b, t).w; });
   Vec3* normals = out.normals.Data() + first;
-  for (u32 i = 0; i < count; ++i) normals[i] = DeriveNormal(tangents[i], binormals[i], tangentW[i]);
+  ForEachVertexIndexIn(first, count, mesh, *e.tangent, [=](u32 i, const u8* b, auto t) {
+    normals[i] = DeriveNormal(tangents[i], binormals[i], ReadVec4(b, t).w);
+  });
 }
 
 void ReadInfluences(ExportInfluences* block, u32 first, u32 count, const ModelMesh& mesh, const Elements& e) {
