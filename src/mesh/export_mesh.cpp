@@ -10,7 +10,13 @@
 
 namespace {
 
-// 16 KiB of influences: the renumbering finds them in the first-level cache.
+// Elements are decoded a span of vertices at a time, one element after the other: the span's
+// stream bytes stay in the second-level cache from the first element to the last, and each pass
+// writes its array in runs long enough for the prefetchers to follow. Passes over 512 vertices
+// were short bursts that cost a sixth of the time.
+constexpr u32 kSpanVertices = 4096;
+// Within a span, influences are read and renumbered a block at a time (16 KiB), so that the
+// renumbering finds them in the first-level cache; unit vectors are normalised in blocks as large.
 constexpr u32 kBlockVertices = 512;
 
 void Clear(ExportMesh& out) {
@@ -30,7 +36,7 @@ Vec3 ReadUnit(const u8* bytes, Type type) {
   return UnpackUnit(ReadVec3(bytes, type));
 }
 
-// The elements a mesh's layout gives, found once and then read block by block.
+// The elements a mesh's layout gives, found once and then read span by span.
 struct Elements {
   const LayoutEntry* position = nullptr;
   const LayoutEntry* normal = nullptr;
@@ -96,19 +102,22 @@ struct BlockVectors {
   f32 x[kBlockVertices], y[kBlockVertices], z[kBlockVertices];
 };
 
-// Unit vectors of the element for vertices first to first + count - 1 (a block at most) into `to`,
-// normalised with or without the axis shortcut.
+// Unit vectors of the element for vertices first to first + count - 1 into `to`, normalised with
+// or without the axis shortcut.
 void ReadNormalized(Vec3* to, u32 first, u32 count, const ModelMesh& mesh, const LayoutEntry& entry,
                     bool axisShortcut) {
   BlockVectors v;
-  ForEachVertexIndexIn(first, count, mesh, entry, [&v](u32 i, const u8* b, auto t) {
-    const Vec3 unit = ReadUnit(b, t);
-    v.x[i] = unit.x;
-    v.y[i] = unit.y;
-    v.z[i] = unit.z;
-  });
-  NormalizeVectors(v.x, v.y, v.z, count, axisShortcut);
-  for (u32 i = 0; i < count; ++i) to[i] = {v.x[i], v.y[i], v.z[i]};
+  for (u32 at = 0; at < count; at += kBlockVertices) {
+    const u32 n = std::min(kBlockVertices, count - at);
+    ForEachVertexIndexIn(first + at, n, mesh, entry, [&v](u32 i, const u8* b, auto t) {
+      const Vec3 unit = ReadUnit(b, t);
+      v.x[i] = unit.x;
+      v.y[i] = unit.y;
+      v.z[i] = unit.z;
+    });
+    NormalizeVectors(v.x, v.y, v.z, n, axisShortcut);
+    for (u32 i = 0; i < n; ++i) to[at + i] = {v.x[i], v.y[i], v.z[i]};
+  }
 }
 
 void ReadNormalsAndFrame(ExportMesh& out, u32 first, u32 count, const ModelMesh& mesh, const Elements& e) {
@@ -147,11 +156,10 @@ void ReadInfluences(ExportInfluences* block, u32 first, u32 count, const ModelMe
   }
 }
 
-// Every element of vertices first to first + count - 1, one element after the other over a block
-// small enough that the influences stay in cache from their reading to their renumbering. Each pass
-// writes every vertex of the block, so nothing is filled beforehand.
-void DecodeBlock(ExportMesh& out, u32 first, u32 count, const ModelMesh& mesh, const Elements& e,
-                 const BoneRenumbering& renumbering) {
+// Every element of vertices first to first + count - 1, a span. Each pass writes every vertex of
+// the span, so nothing is filled beforehand.
+void DecodeSpan(ExportMesh& out, u32 first, u32 count, const ModelMesh& mesh, const Elements& e,
+                const BoneRenumbering& renumbering) {
   ForEachVertexIn(out.positions.Data() + first, first, count, mesh, *e.position,
                   [](Vec3& v, const u8* b, auto t) { v = ReadVec3(b, t); });
   ReadNormalsAndFrame(out, first, count, mesh, e);
@@ -169,9 +177,12 @@ void DecodeBlock(ExportMesh& out, u32 first, u32 count, const ModelMesh& mesh, c
     });
   }
   if (!(e.blendIndices || e.rigidBone)) return;
-  ExportInfluences* influences = out.influences.Data() + first;
-  ReadInfluences(influences, first, count, mesh, e);
-  if (renumbering.ByBlock()) renumbering.RenumberBlock(influences, first, count);
+  for (u32 at = first; at < first + count; at += kBlockVertices) {
+    const u32 n = std::min(kBlockVertices, first + count - at);
+    ExportInfluences* influences = out.influences.Data() + at;
+    ReadInfluences(influences, at, n, mesh, e);
+    if (renumbering.ByBlock()) renumbering.RenumberBlock(influences, at, n);
+  }
 }
 
 // Room for `count` entries of each element the flags name, left unfilled.
@@ -214,9 +225,8 @@ bool Build(ExportMesh& out, const ModelFile& model, const ModelMesh& mesh, const
     Clear(out);
     return false;
   }
-  for (u32 first = 0; first < vertexCount; first += kBlockVertices) {
-    const u32 count = std::min(kBlockVertices, vertexCount - first);
-    DecodeBlock(out, first, count, mesh, elements, renumbering);
+  for (u32 first = 0; first < vertexCount; first += kSpanVertices) {
+    DecodeSpan(out, first, std::min(kSpanVertices, vertexCount - first), mesh, elements, renumbering);
   }
   if (influences && !renumbering.ByBlock() && !renumbering.RenumberAll(out.influences.Data())) {
     Clear(out);

@@ -269,9 +269,9 @@ TEST(ExportMesh, VerticesPastAStreamsEndReadAsZeros) {
 
 // Meshes are decoded and renumbered in blocks of vertices while few draw calls name their slots,
 // and in one pass at the end past that; both must follow the draw calls' order exactly, over
-// ranges that overlap and cross blocks.
+// ranges that overlap and cross blocks and the spans of blocks decoded together.
 TEST(ExportMesh, RenumberingOverManyDrawCallsAndBlocks) {
-  constexpr u32 kVertices = 1500;
+  constexpr u32 kVertices = 9000;
   constexpr u32 kPalette = 8;
   std::string stream;
   for (u32 v = 0; v < kVertices; ++v) {
@@ -283,7 +283,7 @@ TEST(ExportMesh, RenumberingOverManyDrawCallsAndBlocks) {
     u32 vertexStep;
     u32 vertexSpan;
   };
-  for (const Case c : {Case{100, 13, 40}, Case{1100, 1, 3}}) {
+  for (const Case c : {Case{100, 13, 40}, Case{100, 90, 200}, Case{1100, 1, 3}}) {
     SCOPED_TRACE(c.drawCalls);
     InputLayout layout;
     MakeLayout(layout, {{kPosition, kFloat3, 0}, {kBlendIndices, kUbyte4, 12}, {kBlendWeight, kUbyte4n, 16}});
@@ -317,6 +317,7 @@ TEST(ExportMesh, RenumberingOverManyDrawCallsAndBlocks) {
     ExportMesh out;
     ASSERT_TRUE(Build(out, model, mesh, &layout, kSkinned));
     for (u32 v = 0; v < kVertices; ++v) {
+      ASSERT_EQ(out.positions[v].x, f32(v));
       for (u32 k = 0; k < 4; ++k) ASSERT_EQ(out.influences[v].k[k].bone, want[v][k]) << v << " " << k;
     }
   }
