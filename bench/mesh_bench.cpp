@@ -21,8 +21,8 @@ struct SkinnedMesh {
 
   SkinnedMesh() {
     const LayoutEntry entries[] = {
-        {0, kFloat3, kPosition, 0, 0},     {1, kUbyte4n, kNormal, 0, 0},     {1, kUbyte4n, kTangent, 0, 4},
-        {1, kUbyte4n, kBinormal, 0, 8},    {1, kFloat16_2, kTexcoord, 0, 12}, {1, kFloat16_2, kTexcoord, 1, 16},
+        {0, kFloat3, kPosition, 0, 0},      {1, kUbyte4n, kNormal, 0, 0},       {1, kUbyte4n, kTangent, 0, 4},
+        {1, kUbyte4n, kBinormal, 0, 8},     {1, kFloat16_2, kTexcoord, 0, 12},  {1, kFloat16_2, kTexcoord, 1, 16},
         {1, kUbyte4, kBlendIndices, 0, 20}, {1, kUbyte4n, kBlendWeight, 0, 24},
     };
     (void)layout.entries.SetSize(8);
@@ -53,8 +53,10 @@ struct SkinnedMesh {
     (void)model.drawCalls.SetSize(kDrawCalls);
     (void)model.boneMap.SetSize(kDrawCalls * kBonesPerCall);
     for (u32 d = 0; d < kDrawCalls; ++d) {
-      model.drawCalls[d] = {.firstBoneMapEntry = d * kBonesPerCall, .boneMapEntryCount = kBonesPerCall,
-                            .firstVertex = d * (kVertices / kDrawCalls), .vertexCount = kVertices / kDrawCalls};
+      model.drawCalls[d] = {.firstBoneMapEntry = d * kBonesPerCall,
+                            .boneMapEntryCount = kBonesPerCall,
+                            .firstVertex = d * (kVertices / kDrawCalls),
+                            .vertexCount = kVertices / kDrawCalls};
       for (u32 b = 0; b < kBonesPerCall; ++b) model.boneMap[d * kBonesPerCall + b] = {u16((d * 3 + b) % 100), u16(b)};
     }
   }
@@ -65,7 +67,7 @@ void BM_BuildExportMesh(benchmark::State& state) {
   for (auto _ : state) {
     ExportMesh out;
     if (!Build(out, skinned.model, skinned.mesh, &skinned.layout, kSkinned)) state.SkipWithError("build failed");
-    benchmark::DoNotOptimize(out.vertices.Data());
+    benchmark::DoNotOptimize(out.positions.Data());
   }
   state.SetItemsProcessed(state.iterations() * kVertices);
 }

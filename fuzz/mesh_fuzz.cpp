@@ -34,9 +34,20 @@ bool ReadLayout(const uint8_t*& data, size_t& size, InputLayout& layout, u32& fl
   return true;
 }
 
-template <class Mesh>
-void CheckCounts(const Mesh& mesh) {
+void CheckCounts(const PreviewMesh& mesh) {
   if (mesh.vertices.Count() != mesh.vertexCount || mesh.indices.Count() != mesh.indexCount) __builtin_trap();
+}
+
+// Each element has an entry per vertex exactly when the flags name it.
+void CheckCounts(const ExportMesh& mesh) {
+  const auto wrong = [&mesh](u32 count, u32 flag) { return count != ((mesh.flags & flag) ? mesh.vertexCount : 0); };
+  bool any = mesh.indices.Count() != mesh.indexCount || wrong(mesh.positions.Count(), kHasPosition) ||
+             wrong(mesh.normals.Count(), kHasNormal) || wrong(mesh.tangents.Count(), kHasTangentFrame) ||
+             wrong(mesh.binormals.Count(), kHasTangentFrame) || wrong(mesh.colors.Count(), kHasColor) ||
+             wrong(mesh.influences.Count(), kHasInfluences);
+  for (u32 channel = 0; channel < kExportUvChannels; ++channel)
+    any = any || wrong(mesh.uvs[channel].Count(), HasUv(channel));
+  if (any) __builtin_trap();
 }
 
 }  // namespace

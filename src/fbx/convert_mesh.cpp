@@ -7,18 +7,16 @@
 
 namespace {
 
-constexpr u32 kUvChannels = 8;
-
 bool AddControlPoints(FbxMesh& fbxMesh, const ExportMesh& exportMesh) {
   if (!fbxMesh.InitControlPoints(exportMesh.vertexCount)) return false;
   for (u32 v = 0; v < exportMesh.vertexCount; ++v) {
-    const f32* p = exportMesh.vertices[v].position;
-    fbxMesh.SetControlPointAt({p[0], p[1], p[2], 1.0}, int(v));
+    const Vec3& p = exportMesh.positions[v];
+    fbxMesh.SetControlPointAt({p.x, p.y, p.z, 1.0}, int(v));
   }
   return true;
 }
 
-// Fills `element` with `value` of each vertex, in vertex order, mapped by control point.
+// Fills `element` with `value(vertex)` of each vertex, in vertex order, mapped by control point.
 template <class Element, class Value>
 bool FillByControlPoint(Element* element, const ExportMesh& exportMesh, Value value) {
   if (!element) return false;
@@ -27,14 +25,15 @@ bool FillByControlPoint(Element* element, const ExportMesh& exportMesh, Value va
   auto& direct = element->GetDirectArray();
   if (!direct.Reserve(exportMesh.vertexCount)) return false;
   for (u32 v = 0; v < exportMesh.vertexCount; ++v) {
-    if (direct.Add(value(exportMesh.vertices[v])) < 0) return false;
+    if (direct.Add(value(v)) < 0) return false;
   }
   return true;
 }
 
 bool AddNormals(FbxMesh& fbxMesh, const ExportMesh& exportMesh) {
-  return FillByControlPoint(fbxMesh.CreateElementNormal(), exportMesh, [](const ExportVertex& v) {
-    return FbxVector4{v.normal[0], v.normal[1], v.normal[2], 1.0};
+  const TArray<Vec3>& normals = exportMesh.normals;
+  return FillByControlPoint(fbxMesh.CreateElementNormal(), exportMesh, [&normals](u32 v) {
+    return FbxVector4{normals[v].x, normals[v].y, normals[v].z, 1.0};
   });
 }
 
@@ -42,7 +41,7 @@ bool AddNormals(FbxMesh& fbxMesh, const ExportMesh& exportMesh) {
 // holding the last set's name.
 bool AddUvSets(FbxMesh& fbxMesh, const ExportMesh& exportMesh, CStringBufferA& name) {
   int layer = 0;
-  for (u32 channel = 0; channel < kUvChannels; ++channel) {
+  for (u32 channel = 0; channel < kExportUvChannels; ++channel) {
     if (!(exportMesh.flags & HasUv(channel))) continue;
     (void)name.Format("UVChannel_%u", channel + 1);
     FbxLayer* target = fbxMesh.GetLayer(layer);
@@ -52,9 +51,10 @@ bool AddUvSets(FbxMesh& fbxMesh, const ExportMesh& exportMesh, CStringBufferA& n
       if (!target) continue;  // no layer for this channel: it is left out
     }
     FbxLayerElementUV* uvs = FbxLayerElementUV::Create(&fbxMesh, name.Text());
-    const bool filled = FillByControlPoint(uvs, exportMesh, [channel](const ExportVertex& v) {
-      const f32 flipped = 1.0f - v.uv[channel][1];  // in single precision, as the game's value is
-      return FbxVector2{v.uv[channel][0], flipped};
+    const TArray<Vec2>& channelUvs = exportMesh.uvs[channel];
+    const bool filled = FillByControlPoint(uvs, exportMesh, [&channelUvs](u32 v) {
+      const f32 flipped = 1.0f - channelUvs[v].y;  // in single precision, as the game's value is
+      return FbxVector2{channelUvs[v].x, flipped};
     });
     if (!filled) return false;
     target->SetUVs(uvs, FbxLayerElement::eTextureDiffuse);
@@ -100,7 +100,7 @@ bool AddSkin(ConvertState& state, FbxMesh& fbxMesh, const ExportMesh& exportMesh
   if (!clusters.Init()) return false;
   const u32 modelBones = modelBoneCount < state.modelToRig.Count() ? modelBoneCount : state.modelToRig.Count();
   for (u32 v = 0; v < exportMesh.vertexCount; ++v) {
-    for (const ExportInfluence& influence : exportMesh.vertices[v].influences) {
+    for (const ExportInfluence& influence : exportMesh.influences[v].k) {
       // A weight of 0 is not written; weights are passed as they are, whatever their sum.
       if (!(influence.weight > 0) || influence.bone < 0 || u32(influence.bone) >= modelBones) continue;
       const u32 rigBone = state.modelToRig[u32(influence.bone)];

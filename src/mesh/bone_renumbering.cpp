@@ -42,10 +42,10 @@ void WriteSlots(u32* slots, const ModelFile& model, const DrawCall& call, const 
   }
 }
 
-void RenumberVertices(ExportVertex* records, u64 count, const u32* slots, u32 used, bool rigid) {
+void RenumberVertices(ExportInfluences* records, u64 count, const u32* slots, u32 used, bool rigid) {
   const u32 influenceCount = rigid ? 1 : 4;
   for (u64 v = 0; v < count; ++v) {
-    ExportInfluence* influences = records[v].influences;
+    ExportInfluence* influences = records[v].k;
     for (u32 k = 0; k < influenceCount; ++k) {
       // Slots past the highest one written never were, and read as bone 0 like any unwritten one.
       const i32 slot = influences[k].bone;
@@ -100,7 +100,7 @@ bool BoneRenumbering::Prepare(const ModelFile& fromModel, const ModelMesh& fromM
   return true;
 }
 
-void BoneRenumbering::RenumberBlock(ExportVertex* block, u32 first, u32 count) const {
+void BoneRenumbering::RenumberBlock(ExportInfluences* block, u32 first, u32 count) const {
   const u32 last = first + count;
   for (const Call& call : calls) {
     const u32 from = std::max(call.firstVertex, first);
@@ -109,7 +109,7 @@ void BoneRenumbering::RenumberBlock(ExportVertex* block, u32 first, u32 count) c
   }
 }
 
-bool BoneRenumbering::RenumberAll(ExportVertex* vertices) const {
+bool BoneRenumbering::RenumberAll(ExportInfluences* vertices) const {
   const u32 paletteSize = mesh->bonePaletteSize;
   TArray<u32> slots;
   if (!slots.Reserve(used) || !slots.SetSize(used)) return false;

@@ -10,7 +10,7 @@
 //
 // A vertex is renumbered by each draw call whose range holds it, in draw call order, through the
 // slots as they stand after that call's bone map entries. Keeping those slots for every call lets
-// a decoder renumber each block of vertices while its records are still in cache; a mesh with too
+// a decoder renumber each block of vertices while its influences are still in cache; a mesh with too
 // many calls or slots for that is renumbered in one pass at the end instead.
 class BoneRenumbering {
  public:
@@ -20,10 +20,10 @@ class BoneRenumbering {
   [[nodiscard]] bool Prepare(const ModelFile& model, const ModelMesh& mesh, u32 vertexCount, bool rigid);
 
   bool ByBlock() const { return byBlock; }
-  // Vertices first to first + count - 1, whose records start at `block`. Only when ByBlock.
-  void RenumberBlock(ExportVertex* block, u32 first, u32 count) const;
+  // Vertices first to first + count - 1, whose influences start at `block`. Only when ByBlock.
+  void RenumberBlock(ExportInfluences* block, u32 first, u32 count) const;
   // Every vertex at once. Only when not ByBlock; false when memory is refused.
-  [[nodiscard]] bool RenumberAll(ExportVertex* vertices) const;
+  [[nodiscard]] bool RenumberAll(ExportInfluences* vertices) const;
 
  private:
   // The vertices of one draw call and where its slots start in `callSlots`.

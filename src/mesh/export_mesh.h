@@ -3,22 +3,19 @@
 #include "core/array.h"
 #include "gamedata/material_definitions.h"
 #include "gamedata/model_file.h"
+#include "mesh/vertex_stream.h"
 
 struct ExportInfluence {
-  i32 bone = -1;  // after Build, a bone of the model; -1 while the mesh has no skin
+  i32 bone = -1;
   f32 weight = 0;
 };
 
-// One vertex with everything the FBX side may want, whatever the game stored.
-struct ExportVertex {
-  f32 position[3] = {};
-  f32 normal[3] = {};  // unit length, or zero where the mesh has no source for it
-  f32 tangent[3] = {};
-  f32 binormal[3] = {};
-  f32 uv[8][2] = {};  // by usage index 0 to 7
-  ExportInfluence influences[4];
-  f32 color[4] = {};
+// The bones one vertex follows, as stored: after Build, bones of the model.
+struct ExportInfluences {
+  ExportInfluence k[4];
 };
+
+constexpr u32 kExportUvChannels = 8;
 
 // What Build decoded.
 enum ExportMeshFlag : u32 {
@@ -32,10 +29,17 @@ enum ExportMeshFlag : u32 {
 };
 constexpr u32 HasUv(u32 channel) { return kHasUv0 << channel; }
 
-// One mesh of a model decoded through one input layout: a record per stored vertex and the index
-// list, both in their stored order; nothing is welded, split or re-indexed.
+// One mesh of a model decoded through one input layout, in its stored order; nothing is welded,
+// split or re-indexed. Each element the flags name has an entry per vertex, and only those take
+// memory: an element the mesh lacks is an empty array.
 struct ExportMesh {
-  TArray<ExportVertex> vertices;
+  TArray<Vec3> positions;
+  TArray<Vec3> normals;  // unit length, or derived from the tangent frame without normalising
+  TArray<Vec3> tangents;
+  TArray<Vec3> binormals;
+  TArray<Vec2> uvs[kExportUvChannels];  // by usage index
+  TArray<Vec4> colors;                  // alpha 0 where the type has none
+  TArray<ExportInfluences> influences;
   u32 vertexCount = 0;
   TArray<u32> indices;
   u32 indexCount = 0;

@@ -109,28 +109,35 @@ Int4 ReadInt4(const u8* bytes, ElementTypeTag<kType>) {
   return out;
 }
 
-// One pass of one element over the records of vertices first to first + count - 1 of a
-// converter's vertex array, in vertex order: `apply(record, element bytes, type)`, where the type
-// is an ElementTypeTag wherever it can be, so `apply` should take it as `auto`. The stream is
-// checked once for the whole range; a range it doesn't hold is read vertex by vertex, and the
-// vertices past its end read as zeros.
-template <class Vertex, class Apply>
-void ForEachVertexIn(Vertex* records, u32 first, u32 count, const ModelMesh& mesh, const LayoutEntry& entry,
-                     Apply&& apply) {
+// One pass of one element over vertices first to first + count - 1, in vertex order:
+// `apply(i, element bytes, type)` for the i-th of them, where the type is an ElementTypeTag wherever
+// it can be, so `apply` should take it as `auto`. The stream is checked once for the whole range; a
+// range it doesn't hold is read vertex by vertex, and the vertices past its end read as zeros.
+template <class Apply>
+void ForEachVertexIndexIn(u32 first, u32 count, const ModelMesh& mesh, const LayoutEntry& entry, Apply&& apply) {
   if (count == 0) return;
   StreamCursor cursor(mesh, entry);
   if (cursor.data && cursor.Holds(first, count)) {
     const u8* bytes = cursor.stream->data.Data() + u64(first) * cursor.stride + cursor.offset;
     const u32 stride = cursor.stride;
     const bool typed = WithElementType(cursor.type, [&](auto type) {
-      for (u32 i = 0; i < count; ++i, bytes += stride) apply(records[i], bytes, type);
+      for (u32 i = 0; i < count; ++i, bytes += stride) apply(i, bytes, type);
     });
     if (typed) return;
   }
   for (u32 i = 0; i < count; ++i) {
     cursor.Seek(first + i);
-    apply(records[i], cursor.data, cursor.type);
+    apply(i, cursor.data, cursor.type);
   }
+}
+
+// The same pass over a converter's vertex records, whose first is that of vertex `first`:
+// `apply(record, element bytes, type)`.
+template <class Vertex, class Apply>
+void ForEachVertexIn(Vertex* records, u32 first, u32 count, const ModelMesh& mesh, const LayoutEntry& entry,
+                     Apply&& apply) {
+  ForEachVertexIndexIn(first, count, mesh, entry,
+                       [records, &apply](u32 i, const u8* bytes, auto type) { apply(records[i], bytes, type); });
 }
 
 // ForEachVertexIn over every record of the array.

@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cstring>
 #include <vector>
 
 #include "mesh/export_mesh.h"
@@ -12,12 +13,22 @@ namespace {
 
 using namespace meshtest;
 
-// Every successful build: indices as stored, one record per vertex, bones inside the model.
+// Every successful build: indices as stored, an entry per vertex in each element the flags name
+// and none in the others.
 void CheckExport(const ExportMesh& out, const ModelMesh& mesh) {
-  ASSERT_EQ(out.vertexCount, out.vertices.Count());
   ASSERT_EQ(out.vertexCount, mesh.vertexCount);
   ASSERT_EQ(out.indexCount, mesh.indexCount);
   EXPECT_TRUE(out.flags & kHasPosition);
+  const auto expect = [&out](u32 count, u32 flag) {
+    EXPECT_EQ(count, (out.flags & flag) ? out.vertexCount : 0) << flag;
+  };
+  expect(out.positions.Count(), kHasPosition);
+  expect(out.normals.Count(), kHasNormal);
+  expect(out.tangents.Count(), kHasTangentFrame);
+  expect(out.binormals.Count(), kHasTangentFrame);
+  for (u32 channel = 0; channel < kExportUvChannels; ++channel) expect(out.uvs[channel].Count(), HasUv(channel));
+  expect(out.colors.Count(), kHasColor);
+  expect(out.influences.Count(), kHasInfluences);
 }
 
 // Four vertices in one 16-byte stream: a Ubyte4n normal-ish vector at 0, tangent at 4, binormal
@@ -81,17 +92,19 @@ TEST(ExportMesh, NormalSourcesChannelsAndColour) {
     ASSERT_TRUE(Build(out, quad.model, quad.mesh, &quad.layout, 0));
     CheckExport(out, quad.mesh);
     EXPECT_EQ(out.flags, c.flags);
-    EXPECT_NEAR(out.vertices[0].normal[2], c.normalZ, 1e-4f);
-    EXPECT_EQ(out.vertices[3].position[0], 3.0f);
-    EXPECT_EQ(out.vertices[0].influences[0].bone, -1) << "no skin without the flags";
+    if (c.flags & kHasNormal) {
+      EXPECT_NEAR(out.normals[0].z, c.normalZ, 1e-4f);
+    }
+    EXPECT_EQ(out.positions[3].x, 3.0f);
+    EXPECT_EQ(out.influences.Count(), 0u) << "no skin without the flags";
     if (c.flags & kHasTangentFrame) {
-      EXPECT_NEAR(out.vertices[2].binormal[1], 1.0f, 1e-4f);
+      EXPECT_NEAR(out.binormals[2].y, 1.0f, 1e-4f);
     }
     if (c.flags & HasUv(7)) {
-      EXPECT_EQ(out.vertices[2].uv[7][0], 0.5f);
+      EXPECT_EQ(out.uvs[7][2].x, 0.5f);
     }
     if (c.flags & kHasColorAlpha) {
-      EXPECT_EQ(out.vertices[1].color[3], 1.0f);
+      EXPECT_EQ(out.colors[1].w, 1.0f);
     }
   }
 }
@@ -106,7 +119,7 @@ TEST(ExportMesh, IndicesAndFailures) {
   EXPECT_EQ(out.indices[2], 70000u);
   quad.mesh.bytesPerIndex = 3;
   EXPECT_FALSE(Build(out, quad.model, quad.mesh, &quad.layout, 0));
-  EXPECT_EQ(out.vertices.Count() + out.vertexCount + out.flags, 0u) << "empty after a failure";
+  EXPECT_EQ(out.positions.Count() + out.vertexCount + out.flags, 0u) << "empty after a failure";
   SetIndices(quad.mesh, 2, {});
   EXPECT_FALSE(Build(out, quad.model, quad.mesh, nullptr, 0));
   InputLayout farPosition;
@@ -178,11 +191,11 @@ TEST(ExportMesh, SkinsRenumberSlotsThroughTheDrawCalls) {
     ASSERT_TRUE(Build(out, quad.model, quad.mesh, &quad.layout, c.flags));
     EXPECT_TRUE(out.flags & kHasInfluences);
     for (u32 v = 0; v < 4; ++v) {
-      EXPECT_EQ(out.vertices[v].influences[0].bone, c.bones[v][0]) << v;
-      EXPECT_EQ(out.vertices[v].influences[1].bone, c.bones[v][1]) << v;
-      EXPECT_FLOAT_EQ(out.vertices[v].influences[1].weight, c.weight1) << v;
+      EXPECT_EQ(out.influences[v].k[0].bone, c.bones[v][0]) << v;
+      EXPECT_EQ(out.influences[v].k[1].bone, c.bones[v][1]) << v;
+      EXPECT_FLOAT_EQ(out.influences[v].k[1].weight, c.weight1) << v;
     }
-    EXPECT_FLOAT_EQ(out.vertices[0].influences[0].weight, 1.0f);
+    EXPECT_FLOAT_EQ(out.influences[0].k[0].weight, 1.0f);
   }
   // A draw call over vertices that an earlier one renumbered reads their bones as slots again:
   // 10 and 11 lie past every slot written and give bone 0.
@@ -190,7 +203,7 @@ TEST(ExportMesh, SkinsRenumberSlotsThroughTheDrawCalls) {
   quad.model.drawCalls[1].vertexCount = 4;
   ExportMesh twice;
   ASSERT_TRUE(Build(twice, quad.model, quad.mesh, &quad.layout, kSkinned));
-  EXPECT_EQ(twice.vertices[0].influences[0].bone, 0);
+  EXPECT_EQ(twice.influences[0].k[0].bone, 0);
   // Ranges adding up to far more than the mesh and its map mark a corrupt file.
   quad.mesh.drawCallCount = 20000;
   ASSERT_TRUE(quad.model.drawCalls.SetSize(20000));
@@ -202,14 +215,63 @@ TEST(ExportMesh, SkinsRenumberSlotsThroughTheDrawCalls) {
   ExportMesh out;
   ASSERT_TRUE(Build(out, quad.model, quad.mesh, &noIndices, kSkinned));
   EXPECT_FALSE(out.flags & kHasInfluences);
-  EXPECT_EQ(out.vertices[0].influences[3].bone, -1);
+  EXPECT_EQ(out.influences.Count(), 0u);
+}
+
+// No record is filled before its passes, so each pass must write every vertex: the vertices past
+// a stream that ends early read as if their bytes were zero.
+TEST(ExportMesh, VerticesPastAStreamsEndReadAsZeros) {
+  struct Case {
+    const char* what;
+    std::initializer_list<Element> elements;
+    u32 materialFlags;
+  };
+  const Element position{kPosition, kFloat3, 0, 1};
+  const Case cases[] = {
+      {"stored normal, frame, uv, colour and skin",
+       {position,
+        {kNormal, kUbyte4n, 0},
+        {kTangent, kUbyte4n, 4},
+        {kBinormal, kUbyte4n, 8},
+        {kTexcoord, kFloat2, 0},
+        {kColor, kUbyte4n, 8},
+        {kBlendIndices, kUbyte4, 12},
+        {kBlendWeight, kUbyte4n, 4}},
+       kSkinned},
+      {"derived normal and rigid skin", {position, {kTangent, kUbyte4n, 4}, {kBinormal, kUbyte4n, 8}}, kRigidSkinned},
+  };
+  const auto same = [](const auto& a, const auto& b) {
+    return a.Count() == b.Count() && (a.Count() == 0 || std::memcmp(a.Data(), b.Data(), a.Count() * sizeof(a[0])) == 0);
+  };
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.what);
+    Quad cut(c.elements);
+    ASSERT_TRUE(cut.mesh.streams[0].data.SetSize(32));
+    cut.mesh.streams[0].dataSize = 32;
+    Quad zeroed(c.elements);
+    std::memset(zeroed.mesh.streams[0].data.Data() + 32, 0, 32);
+    ExportMesh fromCut, fromZeros;
+    ASSERT_TRUE(Build(fromCut, cut.model, cut.mesh, &cut.layout, c.materialFlags));
+    ASSERT_TRUE(Build(fromZeros, zeroed.model, zeroed.mesh, &zeroed.layout, c.materialFlags));
+    CheckExport(fromCut, cut.mesh);
+    EXPECT_EQ(fromCut.flags, fromZeros.flags);
+    EXPECT_TRUE(same(fromCut.normals, fromZeros.normals));
+    EXPECT_TRUE(same(fromCut.tangents, fromZeros.tangents));
+    EXPECT_TRUE(same(fromCut.binormals, fromZeros.binormals));
+    for (u32 channel = 0; channel < kExportUvChannels; ++channel) {
+      EXPECT_TRUE(same(fromCut.uvs[channel], fromZeros.uvs[channel]));
+    }
+    EXPECT_TRUE(same(fromCut.colors, fromZeros.colors));
+    EXPECT_TRUE(same(fromCut.influences, fromZeros.influences));
+    EXPECT_EQ(fromCut.influences.Count(), 4u);
+  }
 }
 
 // Meshes are decoded and renumbered in blocks of vertices while few draw calls name their slots,
 // and in one pass at the end past that; both must follow the draw calls' order exactly, over
-// ranges that overlap and cross blocks.
+// ranges that overlap and cross blocks and the spans of blocks decoded together.
 TEST(ExportMesh, RenumberingOverManyDrawCallsAndBlocks) {
-  constexpr u32 kVertices = 1500;
+  constexpr u32 kVertices = 9000;
   constexpr u32 kPalette = 8;
   std::string stream;
   for (u32 v = 0; v < kVertices; ++v) {
@@ -221,7 +283,7 @@ TEST(ExportMesh, RenumberingOverManyDrawCallsAndBlocks) {
     u32 vertexStep;
     u32 vertexSpan;
   };
-  for (const Case c : {Case{100, 13, 40}, Case{1100, 1, 3}}) {
+  for (const Case c : {Case{100, 13, 40}, Case{100, 90, 200}, Case{1100, 1, 3}}) {
     SCOPED_TRACE(c.drawCalls);
     InputLayout layout;
     MakeLayout(layout, {{kPosition, kFloat3, 0}, {kBlendIndices, kUbyte4, 12}, {kBlendWeight, kUbyte4n, 16}});
@@ -255,7 +317,8 @@ TEST(ExportMesh, RenumberingOverManyDrawCallsAndBlocks) {
     ExportMesh out;
     ASSERT_TRUE(Build(out, model, mesh, &layout, kSkinned));
     for (u32 v = 0; v < kVertices; ++v) {
-      for (u32 k = 0; k < 4; ++k) ASSERT_EQ(out.vertices[v].influences[k].bone, want[v][k]) << v << " " << k;
+      ASSERT_EQ(out.positions[v].x, f32(v));
+      for (u32 k = 0; k < 4; ++k) ASSERT_EQ(out.influences[v].k[k].bone, want[v][k]) << v << " " << k;
     }
   }
 }
