@@ -14,7 +14,6 @@
 #include "gltf/gltf_scene.h"
 #include "gltf/write_glb.h"
 #include "mesh/export_mesh.h"
-#include "platform/parallel_for.h"
 
 namespace {
 
@@ -78,9 +77,6 @@ bool BuildActorScene(ConvertState& state, const GameTables& game, const char* ac
     Fail(outcome, ConvertResult::kRigFailed, "Failed to initialize rig state.\n");
     return false;
   }
-  // An FBX file's geometry is written and deflated while the scene is still being built; inside a
-  // batch, whose actors fill the processors, or for a .glb, it would only add work.
-  state.prepareGeometry = !InsideParallelFor() && options.format != ExportFormat::kGlb;
   for (u32 i = 0; i < model.meshes.Count(); ++i) {
     // A material list shorter than the meshes fails the mesh that has none.
     ExportMesh exportMesh;
@@ -115,7 +111,7 @@ void ExportActor(const GameTables& game, const char* actorName, const ActorDefin
     ExportActorTextures(state, materials, model.meshes.Count(), game.packs, path.Text(), store, textures);
     outcome.notes = textures.notes;
   }
-  if (!WriteScene(state.fbxManager.get(), state.fbxScene, path.Text(), options.batch, &state.preparedGeometry)) {
+  if (!WriteScene(state.fbxManager.get(), state.fbxScene, path.Text(), options.batch)) {
     RemoveActorTextures(textures);  // a failed conversion leaves nothing behind
     return FailWrite(outcome, path.Text());
   }

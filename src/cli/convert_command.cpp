@@ -65,9 +65,7 @@ int RunConvert(const CliOptions& options) {
   PathAnswer save(options.output, rig);
   ConvertOutcome outcome;
   ConvertActor(GameTables{app.packIndex, app.materials, app.rigs}, *entry, item->text.c_str(), {save, rig}, outcome,
-               // Resolved now that the path is known: an FBX file's geometry is then made with the scene.
-               {.textures = options.textures,
-                .format = ResolveFormat(CliFormat(options, ExportFormat::kByExtension), options.output.c_str())});
+               {.textures = options.textures, .format = CliFormat(options, ExportFormat::kByExtension)});
   for (const std::string& note : outcome.notes) Log(app, "%s", note.c_str());
   if (outcome.logLine.Length()) Log(app, "%s", outcome.logLine.Text());
   switch (outcome.result) {

@@ -172,7 +172,5 @@ bool ConvertMesh(ConvertState& state, const ExportMesh& exportMesh, u32 modelBon
   FbxNode** kept = state.meshNodes.Append();
   if (!kept) return false;
   *kept = node;
-  if (!AddTriangles(*fbxMesh, exportMesh) || !AddMaterial(state, *fbxMesh, *node, name.Text())) return false;
-  if (state.prepareGeometry) state.preparedGeometry.Add(*fbxMesh);
-  return true;
+  return AddTriangles(*fbxMesh, exportMesh) && AddMaterial(state, *fbxMesh, *node, name.Text());
 }

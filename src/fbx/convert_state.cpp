@@ -63,7 +63,7 @@ bool FileStem(const char* text, CStringBufferA& out) {
   return true;
 }
 
-bool WriteScene(FbxManager* manager, FbxScene* scene, const char* path, bool batch, FbxPreparedGeometry* prepared) {
+bool WriteScene(FbxManager* manager, FbxScene* scene, const char* path, bool batch) {
   FbxExporter* exporter = FbxExporter::Create(manager, "");
   if (!exporter) return false;
   const int format = manager->GetIOPluginRegistry()->GetNativeWriterFormat();
@@ -82,7 +82,6 @@ bool WriteScene(FbxManager* manager, FbxScene* scene, const char* path, bool bat
   int major = 0, minor = 0, revision = 0;
   FbxManager::GetFileFormatVersion(major, minor, revision);
   exporter->SetFlushOnExport(!batch);
-  exporter->SetPreparedGeometry(prepared);
   if (!batch) {
     std::printf("FBX file format version %d.%d.%d\n\n", major, minor, revision);
     std::fflush(stdout);

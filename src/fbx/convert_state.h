@@ -4,7 +4,6 @@
 
 #include "core/array.h"
 #include "core/string_buffer.h"
-#include "fbx/sdk/fbx_prepared_geometry.h"
 #include "fbx/sdk/fbx_scene.h"
 #include "gamedata/rig_network.h"
 
@@ -26,10 +25,6 @@ struct ConvertState {
   TStringBufferA<48> name;        // the actor's base name
   TArray<u32> modelToRig;         // for each model bone its rig bone, or kNoRigBone
   TArray<FbxNode*> meshNodes;     // each converted mesh's node, in mesh order
-  // Each converted mesh's record for an FBX file, made while the next mesh is converted; only when
-  // the scene is to become one. Its thread touches nothing but its own records.
-  bool prepareGeometry = false;
-  FbxPreparedGeometry preparedGeometry;
 };
 
 constexpr u32 kNoRigBone = 0xFFFFFFFF;
@@ -45,6 +40,4 @@ bool FileStem(const char* text, CStringBufferA& out);
 // Writes `scene` to `path`. A path that can't be written prints two lines on standard output and
 // gives false, as does a failed export; the file format's version is printed before the export.
 // `batch` prints nothing and leaves the flush to disk to the caller, for many writes at once.
-// `prepared` holds the geometry records made ahead, if any.
-[[nodiscard]] bool WriteScene(FbxManager* manager, FbxScene* scene, const char* path, bool batch = false,
-                              FbxPreparedGeometry* prepared = nullptr);
+[[nodiscard]] bool WriteScene(FbxManager* manager, FbxScene* scene, const char* path, bool batch = false);

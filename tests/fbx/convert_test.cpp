@@ -8,7 +8,6 @@
 
 #include "export_fixture.h"
 #include "fbx/sdk/fbx_math.h"
-#include "platform/parallel_for.h"
 #include "support/allocation_failure.h"
 #include "support/fbx_reader.h"
 #include "support/temp_dir.h"
@@ -288,12 +287,6 @@ TEST(ExportRoundTrip, SameBytesFromRunToRunWithAFixedClock) {
   const std::string first = Convert(loaded, dir, "a.fbx");
   EXPECT_GT(first.size(), 10000u);
   EXPECT_EQ(first, Convert(loaded, dir, "b.fbx"));
-  // Inside a batch the geometry is not made ahead on a thread of its own; the bytes are the same.
-  std::string inBatch[2];
-  auto convertInBatch = [&](u32, u32 item) { inBatch[item] = Convert(loaded, dir, item ? "d.fbx" : "c.fbx"); };
-  ParallelFor(2, 2, convertInBatch);
-  EXPECT_EQ(inBatch[0], first);
-  EXPECT_EQ(inBatch[1], first);
 }
 
 }  // namespace

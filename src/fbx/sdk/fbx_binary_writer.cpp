@@ -49,16 +49,15 @@ bool CollectLarge(FbxRecord& record, TArray<FbxRecordValue*>& large) {
   return true;
 }
 
-}  // namespace
-
-// The arrays are independent, and compression is most of the time a file takes to write: they are
-// deflated on several workers, each with a compressor of its own. Each array's raw bytes give way
-// to its stream as soon as it is deflated, so the document shrinks while it is packed.
-bool DeflateLargeArrays(FbxRecord& document, u32 maxWorkers) {
+// Deflates the large arrays on every processor: they are independent, and compression is most of
+// the time a file takes to write. Each worker has a compressor of its own. Each array's raw bytes
+// give way to its stream as soon as it is deflated, so the document shrinks while it is packed.
+bool Pack(FbxRecord& document) {
   TArray<FbxRecordValue*> large;
   if (!CollectLarge(document, large)) return false;
   if (large.Count() == 0) return true;
-  u32 workers = maxWorkers ? maxWorkers : 1;
+  // Inside a batch the files themselves are spread over the processors.
+  u32 workers = InsideParallelFor() ? 1 : ProcessorCount();
   if (workers > kMaxCompressors) workers = kMaxCompressors;
   if (workers > large.Count()) workers = large.Count();
   std::unique_ptr<libdeflate_compressor, CompressorDeleter> compressors[kMaxCompressors];
@@ -96,8 +95,6 @@ bool DeflateLargeArrays(FbxRecord& document, u32 maxWorkers) {
   ParallelFor(large.Count(), workers, deflate);
   return !failed;
 }
-
-namespace {
 
 u64 PropertySize(const FbxRecordValue& property) {
   switch (property.code) {
@@ -236,8 +233,7 @@ class BufferSink final : public FbxByteSink {
 }  // namespace
 
 FbxWriteResult WriteFbxBinary(FbxRecord& document, const char* creationTime, FbxByteSink& sink) {
-  // Inside a batch the files themselves are spread over the processors.
-  if (!DeflateLargeArrays(document, InsideParallelFor() ? 1 : ProcessorCount())) return FbxWriteResult::kOutOfMemory;
+  if (!Pack(document)) return FbxWriteResult::kOutOfMemory;
   u64 size = kHeaderSize + kRecordHeaderSize;
   for (const FbxRecord& record : document.children) size += RecordSize(record);
   // Footer: its id, zeros to the next multiple of 16 (16 when already there), 4 zeros, the

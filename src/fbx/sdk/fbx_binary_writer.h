@@ -23,11 +23,6 @@ enum class FbxWriteResult {
   kSinkFailed,
 };
 
-// Deflates, in place, every array of `document` and its children that the file stores as a zlib
-// stream and that isn't one yet, on up to `maxWorkers` threads. False when memory is refused; the
-// arrays done by then stay deflated.
-[[nodiscard]] bool DeflateLargeArrays(FbxRecord& document, u32 maxWorkers);
-
 // The children of `document` as the top-level records of a binary FBX file, with the header, the
 // closing null record and the footer whose id derives from `creationTime`, handed to `sink` in
 // blocks. Large arrays are deflated first, in place: the document keeps their stored form, and

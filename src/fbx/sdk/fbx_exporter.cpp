@@ -60,7 +60,7 @@ bool FbxExporter::Export(const FbxScene* scene, bool nonBlocking) {
   FbxRecord document;
   FileSink sink(file);
   const FbxWriteResult result =
-      BuildSceneDocument(*scene, time, document, prepared) ? WriteFbxBinary(document, timeText, sink) : FbxWriteResult::kOutOfMemory;
+      BuildSceneDocument(*scene, time, document) ? WriteFbxBinary(document, timeText, sink) : FbxWriteResult::kOutOfMemory;
   if (result == FbxWriteResult::kOutOfMemory) {
     status.SetError("Out of memory");
     file.Discard();

@@ -21,8 +21,6 @@ struct FbxSceneRenamer {
 
 // Writes a scene to one file: Initialize with the path, then Export. The file appears only when
 // the whole of it is written; until then it is a temporary beside it, removed on failure.
-class FbxPreparedGeometry;
-
 class FbxExporter final : public FbxObject, public FbxCreatable<FbxExporter> {
  public:
   FbxObjectKind Kind() const override { return FbxObjectKind::Exporter; }
@@ -37,12 +35,9 @@ class FbxExporter final : public FbxObject, public FbxCreatable<FbxExporter> {
   FbxStatus& GetStatus() { return status; }
   // Whether Export flushes the file to disk before it takes its place (the default).
   void SetFlushOnExport(bool flushFile) { flush = flushFile; }
-  // Geometry records made while the scene was built, which Export takes instead of writing anew.
-  void SetPreparedGeometry(FbxPreparedGeometry* geometry) { prepared = geometry; }
 
  private:
   OutputFile file;
   bool flush = true;
-  FbxPreparedGeometry* prepared = nullptr;
   FbxStatus status;
 };

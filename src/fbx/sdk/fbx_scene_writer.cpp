@@ -6,7 +6,6 @@
 
 #include "fbx/sdk/fbx_document.h"
 #include "fbx/sdk/fbx_mesh.h"
-#include "fbx/sdk/fbx_prepared_geometry.h"
 #include "fbx/sdk/fbx_properties.h"
 #include "fbx/sdk/fbx_skeleton.h"
 #include "fbx/sdk/fbx_skin.h"
@@ -195,9 +194,7 @@ bool WriteLayers(FbxRecord& geometry, const FbxMesh& mesh) {
   return true;
 }
 
-}  // namespace
-
-bool WriteGeometryRecord(FbxRecord& objects, const FbxMesh& mesh) {
+bool WriteGeometry(FbxRecord& objects, const FbxMesh& mesh) {
   FbxRecord* geometry = AddObject(objects, "Geometry", mesh, "Geometry", "Mesh");
   if (!geometry) return false;
   const u32 points = mesh.GetControlPointsCount();
@@ -217,8 +214,6 @@ bool WriteGeometryRecord(FbxRecord& objects, const FbxMesh& mesh) {
   for (u32 p = 0; p < mesh.GetPolygonCount(); ++p) indices[mesh.PolygonEnd(p) - 1] ^= -1;
   return AddInt(geometry, "GeometryVersion", kGeometryVersion) && WriteLayers(*geometry, mesh);
 }
-
-namespace {
 
 bool WriteSkin(FbxRecord& objects, const FbxSkin& skin) {
   FbxRecord* record = AddObject(objects, "Deformer", skin, "Deformer", "Skin");
@@ -413,14 +408,11 @@ class SceneObjects {
   TArray<const FbxObject*> list;
 };
 
-bool WriteObject(FbxRecord& objects, const FbxObject& object, FbxPreparedGeometry* prepared) {
+bool WriteObject(FbxRecord& objects, const FbxObject& object) {
   switch (object.Kind()) {
     case FbxObjectKind::Node: return WriteModel(objects, static_cast<const FbxNode&>(object));
     case FbxObjectKind::Skeleton: return WriteSkeleton(objects, static_cast<const FbxSkeleton&>(object));
-    case FbxObjectKind::Mesh: {
-      const FbxMesh& mesh = static_cast<const FbxMesh&>(object);
-      return (prepared && prepared->Take(mesh, objects)) || WriteGeometryRecord(objects, mesh);
-    }
+    case FbxObjectKind::Mesh: return WriteGeometry(objects, static_cast<const FbxMesh&>(object));
     case FbxObjectKind::Skin: return WriteSkin(objects, static_cast<const FbxSkin&>(object));
     case FbxObjectKind::Cluster: return WriteCluster(objects, static_cast<const FbxCluster&>(object));
     case FbxObjectKind::Pose: return WritePose(objects, static_cast<const FbxPose&>(object));
@@ -532,8 +524,7 @@ bool WriteDefinitions(FbxRecord& definitions, const TArray<const FbxObject*>& ob
 
 }  // namespace
 
-bool BuildSceneDocument(const FbxScene& scene, const FbxCreationTime& time, FbxRecord& document,
-                        FbxPreparedGeometry* prepared) {
+bool BuildSceneDocument(const FbxScene& scene, const FbxCreationTime& time, FbxRecord& document) {
   const FbxGlobalSettings& settings = scene.GetGlobalSettings();
   const auto centimetres = [](const FbxSystemUnit& unit) { return unit.GetScaleFactor() * unit.GetMultiplier(); };
   SceneObjects objects;
@@ -547,7 +538,7 @@ bool BuildSceneDocument(const FbxScene& scene, const FbxCreationTime& time, FbxR
   FbxRecord* connections = FindChild(document, "Connections");
   if (!definitions || !objectRecords || !connections || !WriteDefinitions(*definitions, objects.List())) return false;
   for (const FbxObject* object : objects.List()) {
-    if (!WriteObject(*objectRecords, *object, prepared)) return false;
+    if (!WriteObject(*objectRecords, *object)) return false;
   }
   const FbxNode* root = scene.GetRootNode();
   for (u32 i = 0; i < root->GetChildCount(); ++i) {

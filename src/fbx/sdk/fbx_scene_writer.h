@@ -3,16 +3,9 @@
 #include "fbx/sdk/fbx_record.h"
 #include "fbx/sdk/fbx_scene.h"
 
-class FbxMesh;
-class FbxPreparedGeometry;
-
 // The records of a whole file for `scene`: the document sections, Definitions with a count and a
 // template for each type of object, Objects with everything under the root node (attributes,
 // meshes, skins and clusters, materials) and the poses, and Connections in the order that keeps each
 // node's children, materials and each skin's clusters as they were added. False when memory is
-// refused. A mesh whose record `prepared` holds gets that record.
-[[nodiscard]] bool BuildSceneDocument(const FbxScene& scene, const FbxCreationTime& time, FbxRecord& document,
-                                      FbxPreparedGeometry* prepared = nullptr);
-
-// Appends the Geometry record of `mesh` to `objects`. False when memory is refused.
-[[nodiscard]] bool WriteGeometryRecord(FbxRecord& objects, const FbxMesh& mesh);
+// refused.
+[[nodiscard]] bool BuildSceneDocument(const FbxScene& scene, const FbxCreationTime& time, FbxRecord& document);
