@@ -218,7 +218,8 @@ class BufferSink final : public FbxByteSink {
     const u64 needed = u64(at) + size;
     if (needed > UINT32_MAX) return false;
     // Room doubles, so a file gathered block by block is copied a bounded number of times.
-    if (needed > out.Capacity() && !out.Reserve(u32(std::min<u64>(UINT32_MAX, std::max(needed, 2 * u64(out.Capacity())))))) {
+    if (needed > out.Capacity() &&
+        !out.Reserve(u32(std::min<u64>(UINT32_MAX, std::max(needed, 2 * u64(out.Capacity())))))) {
       return false;
     }
     if (!out.SetSizeForOverwrite(u32(needed))) return false;

@@ -59,8 +59,8 @@ bool FbxExporter::Export(const FbxScene* scene, bool nonBlocking) {
   FormatCreationTime(time, timeText);
   FbxRecord document;
   FileSink sink(file);
-  const FbxWriteResult result =
-      BuildSceneDocument(*scene, time, document) ? WriteFbxBinary(document, timeText, sink) : FbxWriteResult::kOutOfMemory;
+  const FbxWriteResult result = BuildSceneDocument(*scene, time, document) ? WriteFbxBinary(document, timeText, sink)
+                                                                           : FbxWriteResult::kOutOfMemory;
   if (result == FbxWriteResult::kOutOfMemory) {
     status.SetError("Out of memory");
     file.Discard();

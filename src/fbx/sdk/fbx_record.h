@@ -15,7 +15,7 @@ struct FbxRecordValue {
   f64 real = 0;
   // A small step: a scene has thousands of short strings, and a large array is sized once.
   CByteBuffer bytes{kFbxValueGranule};
-  u32 count = 0;  // array elements
+  u32 count = 0;          // array elements
   bool deflated = false;  // an array whose `bytes` are already its zlib stream, as the file stores it
 };
 
