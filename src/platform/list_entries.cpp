@@ -1,7 +1,7 @@
 #include "platform/list_entries.h"
 
-#include <algorithm>
 #include <strings.h>
+#include <algorithm>
 
 namespace {
 
@@ -23,20 +23,20 @@ void MergeSorted(ListEntries& entries, const ListItem* items, u32 count, size_t 
   // Stable, so that equal items of the batch keep the order they came in.
   std::stable_sort(batch.begin(), batch.end(),
                    [](const ListItem* a, const ListItem* b) { return Before(a->text, b->text); });
-  ListEntries merged;
-  merged.reserve(entries.size() + batch.size());
-  size_t next = 0;
-  i32 movedSelection = kListError;
-  for (size_t i = 0; i <= entries.size(); ++i) {
+  // Merged from the back into the list's own storage, which grows as a vector does: a fresh list
+  // for every batch was most of the memory a game's opening touched.
+  size_t old = entries.size();
+  size_t next = batch.size();
+  entries.resize(old + next);
+  for (size_t at = entries.size(); next > 0; --at) {
     // A new item goes before an old one only when it sorts strictly before it.
-    while (next < batch.size() && (i == entries.size() || Before(batch[next]->text, entries[i].text.c_str()))) {
-      merged.push_back(ListEntry{batch[next]->text, batch[next]->data});
-      ++next;
+    if (old > 0 && Before(batch[next - 1]->text, entries[old - 1].text.c_str())) {
+      --old;
+      if (i32(old) == selection) selection = i32(at - 1);
+      entries[at - 1] = std::move(entries[old]);
+    } else {
+      --next;
+      entries[at - 1] = ListEntry{batch[next]->text, batch[next]->data};
     }
-    if (i == entries.size()) break;
-    if (i32(i) == selection) movedSelection = i32(merged.size());
-    merged.push_back(std::move(entries[i]));
   }
-  entries = std::move(merged);
-  selection = movedSelection;
 }

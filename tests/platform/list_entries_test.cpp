@@ -31,6 +31,8 @@ TEST(MergeSorted, MatchesAddingOneByOne) {
       // Only as many as the limit leaves room for, taken in the batch's order.
       {{"m"}, {"z", "a", "b"}, 3, 0, {"a", "m", "z"}, 1},
       {{"m"}, {"a"}, 1, 0, {"m"}, 0},
+      // Old items before the first new one stay where they are.
+      {{"a", "c"}, {"d", "b"}, 100, 0, {"a", "b", "c", "d"}, 0},
   };
   for (const Case& c : cases) {
     ListEntries entries = Entries(c.before);
