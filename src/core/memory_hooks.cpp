@@ -1,29 +1,44 @@
 #include "core/memory_hooks.h"
 
-#include <sys/mman.h>
-
-#include <cstddef>
 #include <cstdlib>
+
+#include "core/block_arena.h"
 
 namespace {
 
-// Blocks this large are laid on whole 2 MiB pages: a large array then costs a page fault per
-// 2 MiB instead of per 4 KiB, which was a third of an export's time. Smaller blocks would lose
-// too much to the rounding.
-constexpr size_t kHugePage = size_t(2) << 20;
-constexpr size_t kHugeFrom = 2 * kHugePage;
+#if defined(__SANITIZE_ADDRESS__)
+#define TARNWICK_ADDRESS_SANITIZER 1
+#elif defined(__has_feature)
+#if __has_feature(address_sanitizer)
+#define TARNWICK_ADDRESS_SANITIZER 1
+#endif
+#endif
+
+// Blocks this large come from the arena, which keeps freed memory on huge pages for the next
+// block; smaller ones are malloc's. The address sanitizer only watches what malloc gives, so
+// under it every block is malloc's.
+#ifdef TARNWICK_ADDRESS_SANITIZER
+constexpr size_t kArenaFrom = SIZE_MAX;
+#else
+constexpr size_t kArenaFrom = size_t(64) << 10;
+#endif
+// Address space only: memory is taken from it as blocks are made.
+constexpr size_t kArenaReserve = size_t(64) << 30;
+
+// Never destroyed: objects that outlive main may still free their blocks.
+union GlobalArena {
+  CBlockArena arena;
+  constexpr GlobalArena() : arena(kArenaReserve) {}
+  ~GlobalArena() {}
+};
+constinit GlobalArena gArena;
 
 size_t RoundUp(size_t size, size_t alignment) { return (size + alignment - 1) / alignment * alignment; }
 
 void* AlignedAllocateImpl(size_t size, size_t alignment) {
   if (alignment < sizeof(void*)) alignment = sizeof(void*);
-  if (size >= kHugeFrom && alignment <= kHugePage) {
-    const size_t rounded = RoundUp(size, kHugePage);
-    if (rounded < size) return nullptr;
-    void* block = std::aligned_alloc(kHugePage, rounded);
-    // Only advice: where the system keeps no huge pages the block stays as it is.
-    if (block) (void)madvise(block, rounded, MADV_HUGEPAGE);
-    return block;
+  if (size >= kArenaFrom && alignment <= CBlockArena::kAlignment) {
+    if (void* block = gArena.arena.Allocate(size)) return block;
   }
   // aligned_alloc wants a size that is a multiple of the alignment.
   const size_t rounded = RoundUp(size, alignment);
@@ -32,9 +47,20 @@ void* AlignedAllocateImpl(size_t size, size_t alignment) {
 }
 
 void* AllocateImpl(size_t size) {
-  return size >= kHugeFrom ? AlignedAllocateImpl(size, alignof(std::max_align_t)) : std::malloc(size);
+  if (size >= kArenaFrom) {
+    if (void* block = gArena.arena.Allocate(size)) return block;
+  }
+  return std::malloc(size);
+}
+
+void FreeImpl(void* block) {
+  if (gArena.arena.Owns(block)) {
+    gArena.arena.Free(block);
+  } else {
+    std::free(block);
+  }
 }
 
 }  // namespace
 
-MemoryHooks gMemoryHooks = {&std::free, &AllocateImpl, &std::free, &AlignedAllocateImpl};
+MemoryHooks gMemoryHooks = {&FreeImpl, &AllocateImpl, &FreeImpl, &AlignedAllocateImpl};
