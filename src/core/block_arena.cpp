@@ -16,17 +16,6 @@ constexpr size_t kMinSplit = 16 * kPage;
 
 constexpr size_t RoundUp(size_t value, size_t step) { return (value + step - 1) / step * step; }
 
-class LockGuard {
- public:
-  explicit LockGuard(CSpinLock& held) : lock(held) { lock.Lock(); }
-  ~LockGuard() { lock.Unlock(); }
-  LockGuard(const LockGuard&) = delete;
-  LockGuard& operator=(const LockGuard&) = delete;
-
- private:
-  CSpinLock& lock;
-};
-
 }  // namespace
 
 struct CBlockArena::Header {
@@ -74,7 +63,7 @@ size_t CBlockArena::OffsetOf(const Header* header) const {
 void* CBlockArena::Allocate(size_t size) {
   if (size > reserveSize) return nullptr;  // also keeps the rounding below from wrapping
   const size_t need = RoundUp(size + kAlignment, kPage);
-  const LockGuard guard(lock);
+  const std::lock_guard guard(lock);
   if (!base.load(std::memory_order_relaxed) && !Reserve()) return nullptr;
   Header* header = TakeFree(need);
   if (!header) header = TakeTop(need);
@@ -85,7 +74,7 @@ void* CBlockArena::Allocate(size_t size) {
 
 void CBlockArena::Free(void* block) {
   Header* header = reinterpret_cast<Header*>(static_cast<u8*>(block) - kAlignment);
-  const LockGuard guard(lock);
+  const std::lock_guard guard(lock);
   taken -= header->size;
   const size_t end = OffsetOf(header) + header->size;
   if (end < top && At(end)->free) {

@@ -1,8 +1,8 @@
 #pragma once
 
 #include <atomic>
+#include <mutex>
 
-#include "core/spin_lock.h"
 #include "core/types.h"
 
 // Large blocks cut from one stretch of reserved address space that the system is asked to back
@@ -32,7 +32,7 @@ class CBlockArena {
     const uintptr_t start = base.load(std::memory_order_acquire);
     return start != 0 && at - start < reserveSize;
   }
-  // Bytes between the reservation's start and its highest block's end.
+  // For tests, with no other thread at the arena. Bytes between the start and the highest block's end.
   size_t Used() const { return top; }
   // Bytes the blocks in use take, headers and rounding included.
   size_t Taken() const { return taken; }
@@ -60,5 +60,5 @@ class CBlockArena {
   size_t touched = 0;              // end of what may hold pages: nothing above it does
   size_t taken = 0;
   Header* freeList = nullptr;
-  CSpinLock lock;
+  std::mutex lock;  // sleeps rather than spins: a holder may be in a system call
 };
