@@ -5,6 +5,7 @@
 #include <string>
 
 #include "app/convert_actor.h"
+#include "fbx/convert_state.h"
 #include "fbx/sdk/fbx_binary_writer.h"
 #include "fbx/sdk/fbx_document.h"
 #include "fbx/sdk/fbx_scene_writer.h"
@@ -63,14 +64,22 @@ struct FixedPath : ISaveDialog {
 
 FbxCreationTime FixedTime() { return {2026, 11, 23, 12, 0, 0, 0}; }
 
-// The scene of the whole actor, as a conversion builds it before writing.
-bool BuildScene(ConvertState& state) {
+// The export scene of the whole actor, as a conversion builds it before asking for the path.
+bool BuildScene(ExportScene& scene) {
   Actor& a = TheActor();
   NoRigDialog dialog;
   PackIndex noPacks;
   ConvertOutcome outcome;
-  return a.ok && BuildActorScene(state, GameTables{noPacks, a.definitions, a.rigs}, "hero.adr", a.actor, a.model,
-                                 a.materials, dialog, outcome, {.creationTime = FixedTime});
+  return a.ok && BuildActorScene(scene, GameTables{noPacks, a.definitions, a.rigs}, "hero.adr", a.actor, a.model,
+                                 a.materials, dialog, outcome);
+}
+
+// The same scene as FBX objects, as a conversion builds them before writing.
+bool BuildScene(ConvertState& state) {
+  ExportScene scene;
+  if (!BuildScene(scene) || !Setup(state)) return false;
+  state.fbxManager->SetCreationTimeSource(FixedTime);
+  return BuildFbxScene(state, scene) == SceneBuildResult::kBuilt;
 }
 
 // Fetching aside, what the Convert command does: set-up, rig, every mesh, the file, as .fbx or,
@@ -96,11 +105,11 @@ BENCHMARK(BM_ExportWholeActor)->Arg(0)->Arg(1)->Unit(benchmark::kMillisecond);
 
 // The glTF side alone, once the scene is built: the JSON and the binary buffer of the .glb.
 void BM_ExportGlbDocument(benchmark::State& state) {
-  ConvertState convert;
-  if (!BuildScene(convert)) state.SkipWithError("scene failed");
+  ExportScene scene;
+  if (!BuildScene(scene)) state.SkipWithError("scene failed");
   for (auto _ : state) {
     GltfDocument document;
-    if (!BuildGltf(convert, {}, document)) state.SkipWithError("document failed");
+    BuildGltf(scene, {}, document);
   }
 }
 BENCHMARK(BM_ExportGlbDocument)->Unit(benchmark::kMillisecond);

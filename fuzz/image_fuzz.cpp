@@ -3,7 +3,7 @@
 #include <cstdint>
 #include <vector>
 
-#include "preview/image_decode.h"
+#include "image/image_decode.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   // A copy of exactly the input's length, so a read past it lands outside the block.

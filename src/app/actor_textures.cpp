@@ -5,7 +5,6 @@
 
 #include "app/output_names.h"
 #include "fbx/mesh_texture.h"
-#include "gamedata/material_textures.h"
 #include "platform/folders.h"
 #include "platform/parallel_for.h"
 
@@ -26,22 +25,15 @@ std::string TextureNote(TextureResult result, const std::string& name) {
   return {};
 }
 
-void ExportActorTextures(ConvertState& state, const ModelMaterials& materials, u32 meshCount, const PackIndex& packs,
-                         const char* outputPath, TextureStore& store, ActorTextures& result) {
+void ExportActorTextures(ConvertState& state, const ExportScene& scene, const PackIndex& packs, const char* outputPath,
+                         TextureStore& store, ActorTextures& result) {
   std::error_code ignored;
   const std::filesystem::path output = std::filesystem::absolute(outputPath, ignored);
   const std::string folderName = Stem(output) + ".fbm";
   const std::filesystem::path folder = output.parent_path() / folderName;
 
-  // Each texture once, in the order the meshes name them.
-  std::vector<std::string> names;
-  const u32 meshes = meshCount < materials.materials.Count() ? meshCount : materials.materials.Count();
-  for (u32 i = 0; i < meshes; ++i) {
-    ForEachTextureName(materials.materials[i], [&](const char* name) {
-      if (std::find(names.begin(), names.end(), name) == names.end()) names.emplace_back(name);
-    });
-  }
-  if (names.empty()) return;
+  if (scene.images.Count() == 0) return;
+  const std::vector<std::string> names(scene.images.begin(), scene.images.end());
   const std::vector<std::string> relative = OutputNames(names, ".png");
   std::vector<TextureResult> results(names.size(), TextureResult::kUnwritable);
   auto write = [&](u32, u32 t) {
@@ -57,14 +49,13 @@ void ExportActorTextures(ConvertState& state, const ModelMaterials& materials, u
       result.notes.push_back(TextureNote(results[t], names[t]));
     }
   }
-  for (u32 i = 0; i < meshes; ++i) {
-    const char* diffuse = DiffuseTextureName(materials.materials[i]);
-    const size_t t = diffuse ? size_t(std::find(names.begin(), names.end(), diffuse) - names.begin()) : names.size();
-    if (t == names.size() || results[t] != TextureResult::kWritten) continue;
-    const std::string absolute = (folder / relative[t]).string();
-    const std::string fromOutput = folderName + "/" + relative[t];
-    if (!AddDiffuseTexture(state, i, Stem(relative[t]).c_str(), absolute.c_str(), fromOutput.c_str())) {
-      result.notes.push_back("Texture \"" + names[t] + "\" can't be put on its material.");
+  for (u32 i = 0; i < scene.meshes.Count(); ++i) {
+    const i32 t = scene.meshes[i].diffuseImage;
+    if (t == kSceneNoImage || results[u32(t)] != TextureResult::kWritten) continue;
+    const std::string absolute = (folder / relative[u32(t)]).string();
+    const std::string fromOutput = folderName + "/" + relative[u32(t)];
+    if (!AddDiffuseTexture(state, i, Stem(relative[u32(t)]).c_str(), absolute.c_str(), fromOutput.c_str())) {
+      result.notes.push_back("Texture \"" + names[u32(t)] + "\" can't be put on its material.");
     }
   }
 }

@@ -5,7 +5,6 @@
 
 #include "app/texture_store.h"
 #include "fbx/convert_state.h"
-#include "gamedata/model_file.h"
 
 // What the texture export of one actor did.
 struct ActorTextures {
@@ -16,13 +15,12 @@ struct ActorTextures {
 // The log line for a texture that was left out for `result`; empty for one that was written.
 std::string TextureNote(TextureResult result, const std::string& name);
 
-// Writes every texture that the materials of the first `meshCount` meshes name as a PNG file in
-// "<stem>.fbm/" beside `outputPath` (each once, under a path made from its pack name), and puts
-// each mesh's diffuse texture on its material in `state`, by absolute path and by the path relative
-// to the output's folder. A texture that is missing, can't be decoded or written is left out with
-// a note; the rest goes on.
-void ExportActorTextures(ConvertState& state, const ModelMaterials& materials, u32 meshCount, const PackIndex& packs,
-                         const char* outputPath, TextureStore& store, ActorTextures& result);
+// Writes every image of `scene` as a PNG file in "<stem>.fbm/" beside `outputPath` (each once,
+// under a path made from its pack name), and puts each mesh's diffuse image on its material in
+// `state`, by absolute path and by the path relative to the output's folder. A texture that is
+// missing, can't be decoded or written is left out with a note; the rest goes on.
+void ExportActorTextures(ConvertState& state, const ExportScene& scene, const PackIndex& packs, const char* outputPath,
+                         TextureStore& store, ActorTextures& result);
 
 // Removes the files of `textures` and the folders they made, where empty.
 void RemoveActorTextures(const ActorTextures& textures);

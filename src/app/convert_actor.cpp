@@ -3,17 +3,16 @@
 #include <strings.h>
 
 #include <cstring>
+#include <new>
 
 #include "app/actor_textures.h"
 #include "app/glb_textures.h"
 #include "app/rig_choice.h"
 #include "assets/normalize_path.h"
-#include "fbx/convert_mesh.h"
+#include "export/build_export_scene.h"
 #include "fbx/convert_state.h"
-#include "fbx/setup_rig.h"
 #include "gltf/gltf_scene.h"
 #include "gltf/write_glb.h"
-#include "mesh/export_mesh.h"
 
 namespace {
 
@@ -25,12 +24,17 @@ void Fail(ConvertOutcome& outcome, ConvertResult result, const char* format, con
   (void)outcome.logLine.Format(format, name);
 }
 
-// Decodes `mesh` through the layout that its material's definition chooses.
-bool DecodeMesh(const MaterialDefinitionSet& definitions, const ModelMaterial& material, const ModelMesh& mesh,
-                const ModelFile& model, ExportMesh& exportMesh) {
-  const InputLayout* layout = definitions.ChooseInputLayout(material.definitionHash);
-  const MaterialDefinition* definition = definitions.FindDefinition(material.definitionHash);
-  return layout && definition && Build(exportMesh, model, mesh, layout, definition->flags);
+void FailBuild(ConvertOutcome& outcome, SceneBuildResult result) {
+  switch (result) {
+    case SceneBuildResult::kBuilt:
+      return;
+    case SceneBuildResult::kSetupFailed:
+      return Fail(outcome, ConvertResult::kSetupFailed, "Failed to initialize convert state.\n");
+    case SceneBuildResult::kRigFailed:
+      return Fail(outcome, ConvertResult::kRigFailed, "Failed to initialize rig state.\n");
+    case SceneBuildResult::kMeshFailed:
+      return Fail(outcome, ConvertResult::kMeshFailed, "Failed to convert mesh.\n");
+  }
 }
 
 void FailWrite(ConvertOutcome& outcome, const char* path) {
@@ -39,13 +43,46 @@ void FailWrite(ConvertOutcome& outcome, const char* path) {
   Fail(outcome, ConvertResult::kWriteFailed, "Failed to write \"%s\".", shown.Text());
 }
 
+// The textures' store: the batch's, or one of this conversion's own.
+class StoreChoice {
+ public:
+  explicit StoreChoice(const ConvertOptions& options) : store(options.textureStore ? *options.textureStore : own) {}
+  TextureStore& Get() { return store; }
+
+ private:
+  TextureStore own;
+  TextureStore& store;
+};
+
 // The scene as one .glb, with each mesh's diffuse texture inside when textures are asked for.
-void ExportGlb(const ConvertState& state, const GameTables& game, const ModelMaterials& materials, u32 meshCount,
-               const char* path, ConvertOutcome& outcome, const ConvertOptions& options) {
+void ExportGlb(const ExportScene& scene, const GameTables& game, const char* path, ConvertOutcome& outcome,
+               const ConvertOptions& options) {
   GltfImages images;
-  if (options.textures) CollectGlbTextures(materials, meshCount, game.packs, images, outcome.notes);
+  if (options.textures) {
+    StoreChoice store(options);
+    CollectGlbTextures(scene, game.packs, store.Get(), images, outcome.notes);
+  }
   GltfDocument document;
-  if (!BuildGltf(state, images, document) || !WriteGlb(document, path, !options.batch)) {
+  BuildGltf(scene, images, document);
+  if (!WriteGlb(document, path, !options.batch)) return FailWrite(outcome, path);
+  outcome.result = ConvertResult::kWritten;
+}
+
+void ExportFbx(ExportScene& scene, const GameTables& game, const char* path, ConvertOutcome& outcome,
+               const ConvertOptions& options) {
+  ConvertState state;
+  if (!Setup(state)) return Fail(outcome, ConvertResult::kSetupFailed, "Failed to initialize convert state.\n");
+  if (options.creationTime) state.fbxManager->SetCreationTimeSource(options.creationTime);
+  const SceneBuildResult built = BuildFbxScene(state, scene);
+  if (built != SceneBuildResult::kBuilt) return FailBuild(outcome, built);
+  ActorTextures textures;
+  if (options.textures) {
+    StoreChoice store(options);
+    ExportActorTextures(state, scene, game.packs, path, store.Get(), textures);
+    outcome.notes = textures.notes;
+  }
+  if (!WriteScene(state.fbxManager.get(), state.fbxScene, path, options.batch)) {
+    RemoveActorTextures(textures);  // a failed conversion leaves nothing behind
     return FailWrite(outcome, path);
   }
   outcome.result = ConvertResult::kWritten;
@@ -63,59 +100,38 @@ ExportFormat ResolveFormat(ExportFormat format, const char* path) {
   return HasGlbExtension(path) ? ExportFormat::kGlb : ExportFormat::kFbx;
 }
 
-bool BuildActorScene(ConvertState& state, const GameTables& game, const char* actorName, const ActorDefinition& actor,
+bool BuildActorScene(ExportScene& scene, const GameTables& game, const char* actorName, const ActorDefinition& actor,
                      const ModelFile& model, const ModelMaterials& materials, IRigDialog& rigDialog,
-                     ConvertOutcome& outcome, const ConvertOptions& options) {
+                     ConvertOutcome& outcome) {
   outcome.logLine.Clear(false);
-  if (!Setup(state, actorName)) {
-    Fail(outcome, ConvertResult::kSetupFailed, "Failed to initialize convert state.\n");
-    return false;
-  }
-  if (options.creationTime) state.fbxManager->SetCreationTimeSource(options.creationTime);
   const RigSkeleton* rig = model.bones.Count() ? PickRig(actor, model, game.rigs, rigDialog) : nullptr;
-  if (!SetupRig(state, model, rig)) {
-    Fail(outcome, ConvertResult::kRigFailed, "Failed to initialize rig state.\n");
-    return false;
-  }
-  for (u32 i = 0; i < model.meshes.Count(); ++i) {
-    // A material list shorter than the meshes fails the mesh that has none.
-    ExportMesh exportMesh;
-    if (i >= materials.materials.Count() ||
-        !DecodeMesh(game.materials, materials.materials[i], model.meshes[i], model, exportMesh) ||
-        !ConvertMesh(state, exportMesh, model.bones.Count(), i)) {
-      Fail(outcome, ConvertResult::kMeshFailed, "Failed to convert mesh.\n");
-      return false;
-    }
-  }
-  return true;
+  const SceneBuildResult built = BuildExportScene(scene, actorName, model, materials, game.materials, rig);
+  FailBuild(outcome, built);
+  return built == SceneBuildResult::kBuilt;
 }
 
 void ExportActor(const GameTables& game, const char* actorName, const ActorDefinition& actor, const ModelFile& model,
                  const ModelMaterials& materials, const ConvertQuestions& questions, ConvertOutcome& outcome,
                  const ConvertOptions& options) {
   outcome.notes.clear();
-  ConvertState state;
-  if (!BuildActorScene(state, game, actorName, actor, model, materials, questions.rig, outcome, options)) return;
+  ExportScene scene;
+  if (!BuildActorScene(scene, game, actorName, actor, model, materials, questions.rig, outcome)) return;
   TStringBufferA<kSavePathSize> path;
   if (!questions.save.AskSavePath(path)) {
     outcome.result = ConvertResult::kCancelled;
     return;
   }
-  if (ResolveFormat(options.format, path.Text()) == ExportFormat::kGlb) {
-    return ExportGlb(state, game, materials, model.meshes.Count(), path.Text(), outcome, options);
+  // The standard containers of the writers report refused memory by throwing: it ends this
+  // conversion, with nothing written, and never the program.
+  try {
+    if (ResolveFormat(options.format, path.Text()) == ExportFormat::kGlb) {
+      return ExportGlb(scene, game, path.Text(), outcome, options);
+    }
+    ExportFbx(scene, game, path.Text(), outcome, options);
+  } catch (const std::bad_alloc&) {
+    outcome.notes.clear();
+    FailWrite(outcome, path.Text());
   }
-  ActorTextures textures;
-  if (options.textures) {
-    TextureStore ownStore;
-    TextureStore& store = options.textureStore ? *options.textureStore : ownStore;
-    ExportActorTextures(state, materials, model.meshes.Count(), game.packs, path.Text(), store, textures);
-    outcome.notes = textures.notes;
-  }
-  if (!WriteScene(state.fbxManager.get(), state.fbxScene, path.Text(), options.batch)) {
-    RemoveActorTextures(textures);  // a failed conversion leaves nothing behind
-    return FailWrite(outcome, path.Text());
-  }
-  outcome.result = ConvertResult::kWritten;
 }
 
 void ConvertActor(const GameTables& game, const PackEntry& entry, const char* actorName,

@@ -6,7 +6,7 @@
 #include "app/convert_questions.h"
 #include "app/texture_store.h"
 #include "assets/pack_index.h"
-#include "fbx/convert_state.h"
+#include "export/export_scene.h"
 #include "fbx/sdk/fbx_object.h"
 #include "gamedata/actor_files.h"
 #include "gamedata/material_definitions.h"
@@ -86,9 +86,9 @@ void ExportActor(const GameTables& game, const char* actorName, const ActorDefin
                  const ModelMaterials& materials, const ConvertQuestions& questions, ConvertOutcome& outcome,
                  const ConvertOptions& options = {});
 
-// The scene of ExportActor before the path is asked: set-up, rig and every mesh, into `state`.
-// False, with the outcome's failure, at the first step that fails. For callers that write the scene
-// their own way.
-[[nodiscard]] bool BuildActorScene(ConvertState& state, const GameTables& game, const char* actorName,
+// The scene of ExportActor before the path is asked: the rig (asking `rigDialog` where several fit)
+// and every mesh decoded. False, with the outcome's failure, at the first step that fails. For
+// callers that write the scene their own way.
+[[nodiscard]] bool BuildActorScene(ExportScene& scene, const GameTables& game, const char* actorName,
                                    const ActorDefinition& actor, const ModelFile& model, const ModelMaterials& materials,
-                                   IRigDialog& rigDialog, ConvertOutcome& outcome, const ConvertOptions& options = {});
+                                   IRigDialog& rigDialog, ConvertOutcome& outcome);

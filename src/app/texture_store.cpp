@@ -1,11 +1,9 @@
 #include "app/texture_store.h"
 
-#include <vector>
-
 #include "core/byte_buffer.h"
+#include "image/image_decode.h"
+#include "image/png_encode.h"
 #include "platform/output_file.h"
-#include "preview/image_decode.h"
-#include "preview/png_encode.h"
 
 namespace {
 
@@ -26,39 +24,76 @@ bool CopyFile(const std::string& from, const std::string& to, bool flush) {
   return read && !bytes.empty() && WriteFile(to, bytes.data(), bytes.size(), flush);
 }
 
-TextureResult Make(const PackIndex& packs, const std::string& name, const std::string& path, bool flush) {
-  CByteBuffer bytes;
-  if (!packs.FetchByName(name.c_str(), bytes)) return TextureResult::kMissing;
-  DecodedImage image;
-  std::vector<u8> png;
-  if (!DecodeImage(bytes.Data(), bytes.Size(), image) || !EncodePng(image, png)) return TextureResult::kUndecodable;
-  return WriteFile(path, png.data(), png.size(), flush) ? TextureResult::kWritten : TextureResult::kUnwritable;
-}
+// Missing and undecodable stay so, whoever asks again.
+bool Final(TextureResult result) { return result == TextureResult::kMissing || result == TextureResult::kUndecodable; }
 
 }  // namespace
 
-TextureResult TextureStore::Write(const PackIndex& packs, const std::string& name, const std::string& path) {
-  std::shared_ptr<Entry> entry;
-  {
-    const std::lock_guard guard(lock);
-    std::shared_ptr<Entry>& slot = entries[name];
-    if (!slot) slot = std::make_shared<Entry>();
-    entry = slot;
+std::shared_ptr<TextureStore::Entry> TextureStore::Find(const std::string& name) {
+  const std::lock_guard guard(lock);
+  std::shared_ptr<Entry>& slot = entries[name];
+  if (!slot) slot = std::make_shared<Entry>();
+  return slot;
+}
+
+TextureResult TextureStore::Make(const PackIndex& packs, const std::string& name, std::vector<u8>& png) {
+  CByteBuffer bytes;
+  if (!packs.FetchByName(name.c_str(), bytes)) return TextureResult::kMissing;
+  ++decoded;
+  DecodedImage image;
+  if (!DecodeImage(bytes.Data(), bytes.Size(), image) || !EncodePng(image, png)) return TextureResult::kUndecodable;
+  return TextureResult::kWritten;
+}
+
+void TextureStore::Hold(Entry& entry, PngBytes png) {
+  const u64 size = png->size();
+  if (held.fetch_add(size) + size > kHeldBytes) {
+    held -= size;
+    return;
   }
+  entry.png = std::move(png);
+}
+
+TextureResult TextureStore::Write(const PackIndex& packs, const std::string& name, const std::string& path) {
+  const std::shared_ptr<Entry> entry = Find(name);
   const std::lock_guard guard(entry->lock);
-  if (entry->done && entry->result == TextureResult::kWritten && CopyFile(entry->file, path, flush)) {
+  if (entry->png) return WriteFile(path, entry->png->data(), entry->png->size(), flush) ? TextureResult::kWritten
+                                                                                         : TextureResult::kUnwritable;
+  if (entry->done && entry->result == TextureResult::kWritten && !entry->file.empty() &&
+      CopyFile(entry->file, path, flush)) {
     return TextureResult::kWritten;
   }
-  // Missing and undecodable stay so; a copy that failed is made afresh.
-  if (entry->done && (entry->result == TextureResult::kMissing || entry->result == TextureResult::kUndecodable)) {
-    return entry->result;
+  if (entry->done && Final(entry->result)) return entry->result;
+  std::vector<u8> png;
+  TextureResult result = Make(packs, name, png);
+  if (result == TextureResult::kWritten && !WriteFile(path, png.data(), png.size(), flush)) {
+    result = TextureResult::kUnwritable;
   }
-  const TextureResult result = Make(packs, name, path, flush);
-  if (result != TextureResult::kMissing) ++decoded;
   if (!entry->done || result == TextureResult::kWritten) {
     entry->done = true;
     entry->result = result;
-    entry->file = path;
+    entry->file = result == TextureResult::kWritten ? path : std::string();
   }
+  return result;
+}
+
+TextureResult TextureStore::Encode(const PackIndex& packs, const std::string& name, PngBytes& png) {
+  const std::shared_ptr<Entry> entry = Find(name);
+  const std::lock_guard guard(entry->lock);
+  if (entry->png) {
+    png = entry->png;
+    return TextureResult::kWritten;
+  }
+  if (entry->done && Final(entry->result)) return entry->result;
+  std::vector<u8> bytes;
+  const TextureResult result = Make(packs, name, bytes);
+  if (result != TextureResult::kWritten) {
+    entry->done = true;
+    entry->result = result;
+    return result;
+  }
+  png = std::make_shared<const std::vector<u8>>(std::move(bytes));
+  Hold(*entry, png);
+  if (!entry->done) entry->done = true, entry->result = result;
   return result;
 }

@@ -5,17 +5,26 @@
 #include <mutex>
 #include <string>
 #include <unordered_map>
+#include <vector>
 
 #include "assets/pack_index.h"
 
 // How the export of one texture went.
 enum class TextureResult { kWritten, kMissing, kUndecodable, kUnwritable };
 
-// The textures a batch writes, each fetched, decoded and encoded once however many actors use it:
-// the first actor to want one writes it, the others copy that file. Holds no image, so it stays
-// small whatever the batch. Shared by the conversions of a batch; safe on any thread.
+// PNG bytes shared by the files that embed them.
+using PngBytes = std::shared_ptr<const std::vector<u8>>;
+
+// The textures a batch exports, each fetched, decoded and encoded once however many actors use it
+// and whatever the format. A file beside an FBX file is written by the first actor that wants it
+// and copied by the others; the PNG bytes that a .glb embeds are held for the next actor while
+// they fit a budget, and made afresh past it. Shared by the conversions of a batch; safe on any
+// thread.
 class TextureStore {
  public:
+  // PNG bytes held at most, over all textures.
+  static constexpr u64 kHeldBytes = u64(256) << 20;
+
   // `flushEach`: each file goes to disk before it takes its place; a batch, which flushes once at
   // its end, passes false.
   explicit TextureStore(bool flushEach = true) : flush(flushEach) {}
@@ -23,19 +32,29 @@ class TextureStore {
   // Writes the texture `name` of the packs as a PNG file at `path` (through a temporary), or says
   // why it can't.
   TextureResult Write(const PackIndex& packs, const std::string& name, const std::string& path);
-  // How many images were decoded so far: one per texture, unless a copy had to be made afresh.
+  // The texture `name` of the packs as PNG bytes in `png`, or why it can't be had (never
+  // kUnwritable).
+  TextureResult Encode(const PackIndex& packs, const std::string& name, PngBytes& png);
+  // How many images were decoded so far: one per texture, unless one had to be made afresh.
   u32 DecodeCount() const { return decoded; }
 
  private:
   struct Entry {
-    std::mutex lock;  // held while the first actor makes the file, so the others wait for it
+    std::mutex lock;  // held while the first actor makes the texture, so the others wait for it
     bool done = false;
     TextureResult result = TextureResult::kMissing;
     std::string file;  // the first file written, which the others copy
+    PngBytes png;      // held while within the budget
   };
+
+  std::shared_ptr<Entry> Find(const std::string& name);
+  TextureResult Make(const PackIndex& packs, const std::string& name, std::vector<u8>& png);
+  // Keeps `png` in `entry` when the budget has room for it.
+  void Hold(Entry& entry, PngBytes png);
 
   const bool flush;
   std::atomic<u32> decoded{0};
+  std::atomic<u64> held{0};
   std::mutex lock;
   std::unordered_map<std::string, std::shared_ptr<Entry>> entries;
 };

@@ -3,7 +3,6 @@
 #include "fbx/sdk/fbx_mesh.h"
 #include "fbx/sdk/fbx_skin.h"
 #include "fbx/sdk/fbx_surface_phong.h"
-#include "mesh/export_mesh.h"
 
 namespace {
 
@@ -37,21 +36,19 @@ bool AddNormals(FbxMesh& fbxMesh, const ExportMesh& exportMesh) {
   });
 }
 
-// One UV set per channel the mesh has, each on a layer of its own from layer 0 on. `name` is left
-// holding the last set's name.
-bool AddUvSets(FbxMesh& fbxMesh, const ExportMesh& exportMesh, CStringBufferA& name) {
+// Each UV set on a layer of its own from layer 0 on.
+bool AddUvSets(FbxMesh& fbxMesh, const SceneMesh& mesh) {
+  const ExportMesh& exportMesh = mesh.geometry;
   int layer = 0;
-  for (u32 channel = 0; channel < kExportUvChannels; ++channel) {
-    if (!(exportMesh.flags & HasUv(channel))) continue;
-    (void)name.Format("UVChannel_%u", channel + 1);
+  for (const SceneUvSet& set : mesh.uvSets) {
     FbxLayer* target = fbxMesh.GetLayer(layer);
     if (!target) {
       layer = fbxMesh.CreateLayer();
       target = fbxMesh.GetLayer(layer);
       if (!target) continue;  // no layer for this channel: it is left out
     }
-    FbxLayerElementUV* uvs = FbxLayerElementUV::Create(&fbxMesh, name.Text());
-    const TArray<Vec2>& channelUvs = exportMesh.uvs[channel];
+    FbxLayerElementUV* uvs = FbxLayerElementUV::Create(&fbxMesh, set.name);
+    const TArray<Vec2>& channelUvs = exportMesh.uvs[set.channel];
     const bool filled = FillByControlPoint(uvs, exportMesh, [&channelUvs](u32 v) {
       const f32 flipped = 1.0f - channelUvs[v].y;  // in single precision, as the game's value is
       return FbxVector2{channelUvs[v].x, flipped};
@@ -63,12 +60,12 @@ bool AddUvSets(FbxMesh& fbxMesh, const ExportMesh& exportMesh, CStringBufferA& n
   return true;
 }
 
-// The clusters of one skin, one per rig bone at most, made on first use.
+// The clusters of one skin, one per bone at most, made on first use.
 class ClusterSet {
  public:
   ClusterSet(ConvertState& convertState, FbxSkin& fbxSkin) : state(convertState), skin(fbxSkin) {}
 
-  [[nodiscard]] bool Init() { return clusters.SetSize(state.rig->bones.Count()); }
+  [[nodiscard]] bool Init() { return clusters.SetSize(state.boneNodes.Count()); }
 
   FbxCluster* Get(u32 rigBone) {
     if (clusters[rigBone]) return clusters[rigBone];
@@ -92,32 +89,27 @@ class ClusterSet {
   FbxAMatrix meshTransform;  // identity: the mesh node sits at the root's origin
 };
 
-bool AddSkin(ConvertState& state, FbxMesh& fbxMesh, const ExportMesh& exportMesh, u32 modelBoneCount) {
-  const RigSkeleton& rig = *state.rig;
+bool AddSkin(ConvertState& state, FbxMesh& fbxMesh, const ExportScene& scene, const SceneMesh& mesh) {
   FbxSkin* skin = FbxSkin::Create(state.fbxScene, "");
   if (!skin) return false;
   ClusterSet clusters(state, *skin);
   if (!clusters.Init()) return false;
-  const u32 modelBones = modelBoneCount < state.modelToRig.Count() ? modelBoneCount : state.modelToRig.Count();
-  for (u32 v = 0; v < exportMesh.vertexCount; ++v) {
-    for (const ExportInfluence& influence : exportMesh.influences[v].k) {
-      // A weight of 0 is not written; weights are passed as they are, whatever their sum.
-      if (!(influence.weight > 0) || influence.bone < 0 || u32(influence.bone) >= modelBones) continue;
-      const u32 rigBone = state.modelToRig[u32(influence.bone)];
-      if (rigBone == kNoRigBone) continue;
-      FbxCluster* cluster = clusters.Get(rigBone);
+  for (u32 v = 0; v < mesh.influences.Count(); ++v) {
+    // Slots that bind nothing are not written; weights are passed as they are, whatever their sum.
+    for (const SceneInfluence& influence : mesh.influences[v].k) {
+      if (influence.bone == kSceneNoBone) continue;
+      FbxCluster* cluster = clusters.Get(influence.bone);
       if (!cluster || !cluster->AddControlPointIndex(int(v), influence.weight)) return false;
     }
   }
   // Every ancestor of a weighted bone gets a cluster too, without control points, so that readers
   // that build their skeleton from the clusters see whole chains.
-  for (u32 j = 0; j < state.modelToRig.Count(); ++j) {
-    const u32 rigBone = state.modelToRig[j];
-    if (rigBone == kNoRigBone || !clusters.Has(rigBone)) continue;
-    // A read rig has acyclic parents; the step bound keeps any other from looping.
+  const u32 count = scene.bones.Count();
+  for (u32 bone : scene.modelBones) {
+    if (!clusters.Has(bone)) continue;
+    // The scene's parents are acyclic; the step bound keeps any other from looping.
     u32 steps = 0;
-    for (i32 p = rig.bones[rigBone].parent; p >= 0 && u32(p) < rig.bones.Count() && steps < rig.bones.Count();
-         p = rig.bones[u32(p)].parent, ++steps) {
+    for (i32 p = scene.bones[bone].parent; p >= 0 && steps < count; p = scene.bones[u32(p)].parent, ++steps) {
       if (!clusters.Get(u32(p))) return false;
     }
   }
@@ -156,21 +148,18 @@ bool AddMaterial(ConvertState& state, FbxMesh& fbxMesh, FbxNode& node, const cha
 
 }  // namespace
 
-bool ConvertMesh(ConvertState& state, const ExportMesh& exportMesh, u32 modelBoneCount, u32 meshIndex) {
-  TStringBufferA<64> name;
-  (void)name.Format("Mesh_%u", meshIndex);
-  FbxMesh* fbxMesh = FbxMesh::Create(state.fbxScene, name.Text());
+bool ConvertMesh(ConvertState& state, const ExportScene& scene, u32 meshIndex) {
+  const SceneMesh& mesh = scene.meshes[meshIndex];
+  const ExportMesh& exportMesh = mesh.geometry;
+  FbxMesh* fbxMesh = FbxMesh::Create(state.fbxScene, mesh.name);
   if (!fbxMesh || !AddControlPoints(*fbxMesh, exportMesh)) return false;
   if ((exportMesh.flags & kHasNormal) && !AddNormals(*fbxMesh, exportMesh)) return false;
-  FbxNode* node = FbxNode::Create(state.fbxScene, name.Text());
+  FbxNode* node = FbxNode::Create(state.fbxScene, mesh.name);
   if (!node || !node->SetNodeAttribute(fbxMesh) || !state.rootNode->AddChild(node)) return false;
-  if (!AddUvSets(*fbxMesh, exportMesh, name)) return false;
-  if ((exportMesh.flags & kHasInfluences) && state.rig && state.boneNodes.Count() == state.rig->bones.Count() &&
-      !AddSkin(state, *fbxMesh, exportMesh, modelBoneCount)) {
-    return false;
-  }
+  if (!AddUvSets(*fbxMesh, mesh)) return false;
+  if (mesh.skinned && !AddSkin(state, *fbxMesh, scene, mesh)) return false;
   FbxNode** kept = state.meshNodes.Append();
   if (!kept) return false;
   *kept = node;
-  return AddTriangles(*fbxMesh, exportMesh) && AddMaterial(state, *fbxMesh, *node, name.Text());
+  return AddTriangles(*fbxMesh, exportMesh) && AddMaterial(state, *fbxMesh, *node, mesh.materialName);
 }

@@ -1,9 +1,10 @@
 #include "fbx/convert_state.h"
 
 #include <cstdio>
-#include <cstring>
 
+#include "fbx/convert_mesh.h"
 #include "fbx/sdk/fbx_exporter.h"
+#include "fbx/setup_rig.h"
 
 namespace {
 
@@ -29,7 +30,7 @@ bool FillDocumentInfo(FbxDocumentInfo& info) {
 
 }  // namespace
 
-bool Setup(ConvertState& state, const char* actorName) {
+bool Setup(ConvertState& state) {
   state.fbxManager.reset(FbxManager::Create());
   FbxManager* manager = state.fbxManager.get();
   if (!manager) return false;
@@ -44,23 +45,16 @@ bool Setup(ConvertState& state, const char* actorName) {
   const FbxSystemUnit metre(kCentimetresPerMetre, 1.0);
   state.fbxScene->GetGlobalSettings().SetSystemUnit(metre);
   state.fbxScene->GetGlobalSettings().SetOriginalSystemUnit(metre);
-  return FileStem(actorName, state.name);
+  return true;
 }
 
-bool FileStem(const char* text, CStringBufferA& out) {
-  const char* start = text;
-  for (const char* c = text; *c; ++c) {
-    if (*c == '/' || *c == '\\') start = c + 1;
+SceneBuildResult BuildFbxScene(ConvertState& state, ExportScene& scene) {
+  if (!SetupRig(state, scene)) return SceneBuildResult::kRigFailed;
+  for (u32 i = 0; i < scene.meshes.Count(); ++i) {
+    if (!ConvertMesh(state, scene, i)) return SceneBuildResult::kMeshFailed;
+    scene.meshes[i].geometry = {};
   }
-  const char* dot = std::strrchr(start, '.');
-  const size_t length = dot ? size_t(dot - start) : std::strlen(start);
-  if (length >= UINT32_MAX || !out.Reserve(u32(length) + 1)) {
-    out.Clear(false);
-    return false;
-  }
-  std::memcpy(out.Data(), start, length);
-  out.SetLength(u32(length));
-  return true;
+  return SceneBuildResult::kBuilt;
 }
 
 bool WriteScene(FbxManager* manager, FbxScene* scene, const char* path, bool batch) {

@@ -1,9 +1,7 @@
 #include "fbx/setup_rig.h"
 
-#include "core/hash.h"
 #include "fbx/sdk/fbx_pose.h"
 #include "fbx/sdk/fbx_skeleton.h"
-#include "platform/debug_channel.h"
 
 namespace {
 
@@ -17,12 +15,12 @@ FbxNode* MakeJoint(FbxScene* scene, const char* name, FbxSkeleton::EType type) {
   return node;
 }
 
-bool BuildBones(ConvertState& state, const RigSkeleton& rig) {
-  const u32 count = rig.bones.Count();
+bool BuildBones(ConvertState& state, const ExportScene& scene) {
+  const u32 count = scene.bones.Count();
   if (!state.boneNodes.SetSize(count)) return false;
   for (u32 i = 0; i < count; ++i) {
-    const RigBone& bone = rig.bones[i];
-    FbxNode* node = MakeJoint(state.fbxScene, bone.name.Text(), FbxSkeleton::eLimbNode);
+    const SceneBone& bone = scene.bones[i];
+    FbxNode* node = MakeJoint(state.fbxScene, bone.name, FbxSkeleton::eLimbNode);
     if (!node) return false;
     const FbxVector4 translation{bone.translation[0], bone.translation[1], bone.translation[2], 1.0};
     const FbxQuaternion rotation{bone.rotation[0], bone.rotation[1], bone.rotation[2], bone.rotation[3]};
@@ -33,11 +31,10 @@ bool BuildBones(ConvertState& state, const RigSkeleton& rig) {
     node->LclRotation.Set({euler.x, euler.y, euler.z});
     state.boneNodes[i] = node;
   }
-  // Parents may come after their children, so the tree is linked once every node exists. A read
-  // rig has only valid, acyclic parents; anything else would hang under the root.
+  // Parents may come after their children, so the tree is linked once every node exists.
   for (u32 i = 0; i < count; ++i) {
-    const i32 parent = rig.bones[i].parent;
-    FbxNode* above = parent >= 0 && u32(parent) < count ? state.boneNodes[u32(parent)] : state.rootNode;
+    const i32 parent = scene.bones[i].parent;
+    FbxNode* above = parent >= 0 ? state.boneNodes[u32(parent)] : state.rootNode;
     if (!above->AddChild(state.boneNodes[i])) return false;
   }
   return true;
@@ -52,30 +49,12 @@ bool AddBindPose(ConvertState& state, FbxPose& pose) {
   return state.fbxScene->AddPose(&pose);
 }
 
-bool MatchBones(ConvertState& state, const RigSkeleton& rig, const ModelFile& model) {
-  if (!state.modelToRig.SetSize(model.bones.Count())) return false;
-  for (u32& entry : state.modelToRig) entry = kNoRigBone;
-  for (u32 i = 0; i < rig.bones.Count(); ++i) {
-    const char* name = rig.bones[i].name.Text();
-    const u32 hash = HashNameWide(name);
-    DebugPrintA("%s -> %X\n", name, hash);
-    for (u32 j = 0; j < model.bones.Count(); ++j) {
-      if (model.bones[j].nameHash != hash) continue;
-      if (state.modelToRig[j] != kNoRigBone) return false;  // two rig bones claim one model bone
-      state.modelToRig[j] = i;
-      break;
-    }
-  }
-  return true;
-}
-
 }  // namespace
 
-bool SetupRig(ConvertState& state, const ModelFile& model, const RigSkeleton* rig) {
-  state.rootNode = MakeJoint(state.fbxScene, state.name.Text(), FbxSkeleton::eRoot);
-  FbxPose* pose = FbxPose::Create(state.fbxScene, state.name.Text());
+bool SetupRig(ConvertState& state, const ExportScene& scene) {
+  state.rootNode = MakeJoint(state.fbxScene, scene.rootName.Text(), FbxSkeleton::eRoot);
+  FbxPose* pose = FbxPose::Create(state.fbxScene, scene.rootName.Text());
   if (!state.rootNode || !pose || !state.fbxScene->GetRootNode()->AddChild(state.rootNode)) return false;
-  if (model.bones.Count() == 0 || !rig) return true;
-  state.rig = rig;
-  return BuildBones(state, *rig) && AddBindPose(state, *pose) && MatchBones(state, *rig, model);
+  if (!scene.hasRig) return true;
+  return BuildBones(state, scene) && AddBindPose(state, *pose);
 }

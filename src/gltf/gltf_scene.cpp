@@ -4,11 +4,7 @@
 #include <cmath>
 #include <nlohmann/json.hpp>
 #include <unordered_map>
-#include <unordered_set>
 
-#include "fbx/sdk/fbx_mesh.h"
-#include "fbx/sdk/fbx_skin.h"
-#include "fbx/sdk/fbx_surface_phong.h"
 
 namespace {
 
@@ -62,55 +58,38 @@ class BufferBuilder {
   Json accessors = Json::array();
 };
 
-// The quaternion of a rotation matrix (column vectors), unit length.
-void MatrixToQuaternion(const FbxAMatrix& m, f64 (&q)[4]) {
-  const f64 trace = m.At(0, 0) + m.At(1, 1) + m.At(2, 2);
-  f64 x, y, z, w;
-  if (trace > 0) {
-    const f64 s = std::sqrt(trace + 1.0) * 2;
-    w = s / 4, x = (m.At(2, 1) - m.At(1, 2)) / s, y = (m.At(0, 2) - m.At(2, 0)) / s, z = (m.At(1, 0) - m.At(0, 1)) / s;
-  } else if (m.At(0, 0) > m.At(1, 1) && m.At(0, 0) > m.At(2, 2)) {
-    const f64 s = std::sqrt(1.0 + m.At(0, 0) - m.At(1, 1) - m.At(2, 2)) * 2;
-    w = (m.At(2, 1) - m.At(1, 2)) / s, x = s / 4, y = (m.At(0, 1) + m.At(1, 0)) / s, z = (m.At(0, 2) + m.At(2, 0)) / s;
-  } else if (m.At(1, 1) > m.At(2, 2)) {
-    const f64 s = std::sqrt(1.0 + m.At(1, 1) - m.At(0, 0) - m.At(2, 2)) * 2;
-    w = (m.At(0, 2) - m.At(2, 0)) / s, x = (m.At(0, 1) + m.At(1, 0)) / s, y = s / 4, z = (m.At(1, 2) + m.At(2, 1)) / s;
-  } else {
-    const f64 s = std::sqrt(1.0 + m.At(2, 2) - m.At(0, 0) - m.At(1, 1)) * 2;
-    w = (m.At(1, 0) - m.At(0, 1)) / s, x = (m.At(0, 2) + m.At(2, 0)) / s, y = (m.At(1, 2) + m.At(2, 1)) / s, z = s / 4;
+// A bone's node: its name and local transform, each part only where it differs from the default.
+Json BoneJson(const SceneBone& bone) {
+  Json json = {{"name", bone.name}};
+  const f32* t = bone.translation;
+  if (t[0] != 0 || t[1] != 0 || t[2] != 0) json["translation"] = {f64(t[0]), f64(t[1]), f64(t[2])};
+  // The format wants unit quaternions; a rig's may be slightly off.
+  const f32* q = bone.rotation;
+  const f64 length = std::sqrt(f64(q[0]) * q[0] + f64(q[1]) * q[1] + f64(q[2]) * q[2] + f64(q[3]) * q[3]);
+  if (length > 0 && (q[0] != 0 || q[1] != 0 || q[2] != 0)) {
+    json["rotation"] = {q[0] / length, q[1] / length, q[2] / length, q[3] / length};
   }
-  const f64 length = std::sqrt(x * x + y * y + z * z + w * w);
-  q[0] = x / length, q[1] = y / length, q[2] = z / length, q[3] = w / length;
-}
-
-// A node's name and local transform, each part only where it differs from the default.
-Json NodeJson(const FbxNode& node) {
-  Json json = {{"name", node.GetName()}};
-  const FbxDouble3 t = node.LclTranslation.Get();
-  const FbxDouble3 r = node.LclRotation.Get();
-  const FbxDouble3 s = node.LclScaling.Get();
-  if (t != FbxDouble3{}) json["translation"] = {t.x, t.y, t.z};
-  if (r != FbxDouble3{}) {
-    f64 q[4];
-    MatrixToQuaternion(FbxAMatrix::FromTRS({}, {r.x, r.y, r.z, 0}, {1, 1, 1, 0}), q);
-    json["rotation"] = {q[0], q[1], q[2], q[3]};
-  }
-  if (s != FbxDouble3{1, 1, 1}) json["scale"] = {s.x, s.y, s.z};
   return json;
 }
 
-// The 16 values of `m` in the format's column-major order, in single precision.
-void AppendMatrix(const FbxAMatrix& m, std::vector<f32>& out) {
-  f64 values[16];
-  m.ToFileOrder(values);
-  for (f64 value : values) out.push_back(f32(value));
-}
-
-const FbxSkin* SkinOf(const FbxMesh& mesh) {
-  for (u32 d = 0; d < mesh.GetDeformerCount(); ++d) {
-    if (mesh.GetDeformer(d)->Kind() == FbxObjectKind::Skin) return static_cast<const FbxSkin*>(mesh.GetDeformer(d));
+// The inverse of an affine column-major matrix, in single precision as the file stores it; the
+// identity for a singular one.
+void AppendInverse(const f64 (&m)[16], std::vector<f32>& out) {
+  // The 3x3 part's inverse through its cofactors, then the translation taken back.
+  const f64 a = m[0], b = m[4], c = m[8], d = m[1], e = m[5], f = m[9], g = m[2], h = m[6], i = m[10];
+  const f64 cofactor[9] = {e * i - f * h, c * h - b * i, b * f - c * e, f * g - d * i, a * i - c * g,
+                           c * d - a * f, d * h - e * g, b * g - a * h, a * e - b * d};
+  const f64 det = a * cofactor[0] + b * cofactor[3] + c * cofactor[6];
+  f64 r[9] = {1, 0, 0, 0, 1, 0, 0, 0, 1};  // row-major
+  if (det != 0 && std::isfinite(det)) {
+    for (u32 k = 0; k < 9; ++k) r[k] = cofactor[k] / det;
   }
-  return nullptr;
+  const f64 t[3] = {m[12], m[13], m[14]};
+  const f64 inverse[16] = {r[0], r[3], r[6], 0, r[1], r[4], r[7], 0, r[2], r[5], r[8], 0,
+                           -(r[0] * t[0] + r[1] * t[1] + r[2] * t[2]),
+                           -(r[3] * t[0] + r[4] * t[1] + r[5] * t[2]),
+                           -(r[6] * t[0] + r[7] * t[1] + r[8] * t[2]), 1};
+  for (f64 value : inverse) out.push_back(f32(value));
 }
 
 // Sets `n` to unit length; false when it has no direction.
@@ -124,27 +103,28 @@ bool Normalize(f64 (&n)[3]) {
 // The mesh's normals at unit length, as the format demands. A normal derived from a tangent frame
 // needn't be one, and a stored one may be zero: such a vertex takes the normal of the triangles
 // around it, or failing that the up axis.
-std::vector<f32> UnitNormals(const FbxMesh& mesh, const FbxLayerElementNormal& element) {
-  const u32 count = mesh.GetControlPointsCount();
+std::vector<f32> UnitNormals(const ExportMesh& mesh) {
+  const u32 count = mesh.vertexCount;
   std::vector<f64> normals(3 * count);
   std::vector<u32> lacking;
   for (u32 v = 0; v < count; ++v) {
-    const FbxVector4& stored = element.GetDirectArray().GetAt(v);
-    f64 n[3] = {stored.x, stored.y, stored.z};
+    f64 n[3] = {mesh.normals[v].x, mesh.normals[v].y, mesh.normals[v].z};
     if (!Normalize(n)) lacking.push_back(v);
     std::copy(n, n + 3, &normals[3 * v]);
   }
   if (!lacking.empty()) {
     std::vector<f64> sums(3 * count, 0.0);
-    const TArray<int>& corners = mesh.PolygonVertices();
-    const FbxVector4* p = mesh.GetControlPoints();
-    for (u32 t = 0; t + 2 < corners.Count(); t += 3) {
-      const FbxVector4 &a = p[corners[t]], &b = p[corners[t + 1]], &c = p[corners[t + 2]];
-      const f64 u[3] = {b.x - a.x, b.y - a.y, b.z - a.z}, w[3] = {c.x - a.x, c.y - a.y, c.z - a.z};
+    const u32* corners = mesh.indices.Data();
+    const Vec3* p = mesh.positions.Data();
+    for (u32 t = 0; t + 2 < mesh.indexCount; t += 3) {
+      // The game's triangles run clockwise: a then c then b faces outwards.
+      const Vec3 &a = p[corners[t]], &b = p[corners[t + 2]], &c = p[corners[t + 1]];
+      const f64 u[3] = {f64(b.x) - a.x, f64(b.y) - a.y, f64(b.z) - a.z};
+      const f64 w[3] = {f64(c.x) - a.x, f64(c.y) - a.y, f64(c.z) - a.z};
       // The cross product's length is twice the area: larger triangles weigh more.
       const f64 face[3] = {u[1] * w[2] - u[2] * w[1], u[2] * w[0] - u[0] * w[2], u[0] * w[1] - u[1] * w[0]};
       for (u32 k = 0; k < 3; ++k) {
-        for (u32 axis = 0; axis < 3; ++axis) sums[3 * u32(corners[t + k]) + axis] += face[axis];
+        for (u32 axis = 0; axis < 3; ++axis) sums[3 * corners[t + k] + axis] += face[axis];
       }
     }
     for (u32 v : lacking) {
@@ -182,32 +162,39 @@ struct VertexWeights {
 
 class DocumentBuilder {
  public:
-  DocumentBuilder(const ConvertState& convertState, const GltfImages& embedded, GltfDocument& out)
-      : state(convertState), images(embedded), buffer(out.bin) {}
+  DocumentBuilder(const ExportScene& exportScene, const GltfImages& embedded, GltfDocument& out)
+      : scene(exportScene), images(embedded), buffer(out.bin) {}
 
-  bool Build(GltfDocument& out) {
+  void Build(GltfDocument& out) {
     out.bin.clear();
-    if (!state.rootNode) return false;
     // The actor's node first, then the bones in rig order, then the meshes in mesh order.
-    AddNode(state.rootNode);
-    for (u32 i = 0; i < state.boneNodes.Count(); ++i) AddNode(state.boneNodes[i]);
-    for (u32 i = 0; i < state.meshNodes.Count(); ++i) AddNode(state.meshNodes[i]);
+    const u32 boneCount = scene.bones.Count();
+    nodes.push_back({{"name", scene.rootName.Text()}});
+    for (const SceneBone& bone : scene.bones) nodes.push_back(BoneJson(bone));
+    for (const SceneMesh& mesh : scene.meshes) nodes.push_back({{"name", mesh.name}});
     Json sceneNodes = Json::array({0});
-    for (u32 i = 0; i < state.meshNodes.Count(); ++i) {
-      const FbxNode* node = state.meshNodes[i];
-      const FbxNodeAttribute* attribute = node->GetNodeAttribute();
-      if (!attribute || attribute->Kind() != FbxObjectKind::Mesh) continue;
-      bool skinned = false;
-      if (!AddMesh(*node, *static_cast<const FbxMesh*>(attribute), i, skinned)) return false;
+    std::vector<Json> children(1 + boneCount, Json::array());
+    for (u32 b = 0; b < boneCount; ++b) children[u32(scene.bones[b].parent + 1)].push_back(1 + b);
+    bool bound = false;
+    for (u32 m = 0; m < scene.meshes.Count(); ++m) {
+      const u32 node = 1 + boneCount + m;
       // A skinned mesh follows its joints alone, so it stands at the top, where no parent's
       // transform seems to apply to it.
-      if (skinned) sceneNodes.push_back(indexOf[node]);
+      if (AddMesh(scene.meshes[m], node)) {
+        sceneNodes.push_back(node);
+        bound = true;
+      } else {
+        children[0].push_back(node);
+      }
     }
-    LinkChildren();
+    if (!bound && boneCount) AddSkin(scene.rootName.Text(), JointsJson(), kNoNode);
+    for (u32 n = 0; n < children.size(); ++n) {
+      if (!children[n].empty()) nodes[n]["children"] = std::move(children[n]);
+    }
 
     Json json = {{"asset", {{"version", "2.0"}, {"generator", "Tarnwick"}}},
                  {"scene", 0},
-                 {"scenes", Json::array({{{"name", state.rootNode->GetName()}, {"nodes", sceneNodes}}})},
+                 {"scenes", Json::array({{{"name", scene.rootName.Text()}, {"nodes", sceneNodes}}})},
                  {"nodes", nodes}};
     if (!meshes.empty()) json["meshes"] = meshes;
     if (!materials.empty()) json["materials"] = materials;
@@ -221,91 +208,76 @@ class DocumentBuilder {
     if (!out.bin.empty()) json["buffers"] = Json::array({{{"byteLength", out.bin.size()}}});
     // Names come from the game's files: bytes that aren't UTF-8 are replaced, never a failure.
     out.json = json.dump(-1, ' ', false, Json::error_handler_t::replace);
-    return true;
   }
 
  private:
-  void AddNode(const FbxNode* node) {
-    indexOf[node] = u32(nodes.size());
-    nodes.push_back(NodeJson(*node));
+  static constexpr u32 kNoNode = 0xFFFFFFFF;
+
+  // Every bone, in rig order: JOINTS_0 numbers them so, as an importer that builds its skeleton
+  // from them finds the FBX file's.
+  Json JointsJson() const {
+    Json joints = Json::array();
+    for (u32 b = 0; b < scene.bones.Count(); ++b) joints.push_back(1 + b);
+    return joints;
   }
 
-  // Each node's children in the scene's order; skinned meshes were put at the top instead.
-  void LinkChildren() {
-    for (const auto& [node, index] : indexOf) {
-      Json children = Json::array();
-      for (u32 c = 0; c < node->GetChildCount(); ++c) {
-        const auto child = indexOf.find(node->GetChild(c));
-        if (child != indexOf.end() && !topLevel.contains(child->first)) children.push_back(child->second);
-      }
-      if (!children.empty()) nodes[index]["children"] = children;
-    }
-  }
-
-  bool AddMesh(const FbxNode& node, const FbxMesh& mesh, u32 meshIndex, bool& skinned) {
-    const u32 vertexCount = mesh.GetControlPointsCount();
-    const TArray<int>& corners = mesh.PolygonVertices();
-    for (u32 p = 0; p < mesh.GetPolygonCount(); ++p) {
-      if (mesh.PolygonEnd(p) != 3 * (p + 1)) return false;
-    }
-    if (vertexCount == 0 || corners.Count() == 0) return true;  // nothing to draw: the node alone
+  // True when the mesh got a skin that binds a bone.
+  bool AddMesh(const SceneMesh& mesh, u32 node) {
+    const ExportMesh& geometry = mesh.geometry;
+    const u32 vertexCount = geometry.vertexCount;
+    const u32 cornerCount = mesh.TriangleCount() * 3;
+    if (vertexCount == 0 || cornerCount == 0) return false;  // nothing to draw: the node alone
 
     Json attributes = Json::object();
-    attributes["POSITION"] = AddPositions(mesh);
-    const FbxLayer* first = mesh.GetLayer(0);
-    if (const FbxLayerElementNormal* normals = first ? first->GetNormals() : nullptr) {
-      if (normals->GetDirectArray().GetCount() != vertexCount) return false;
-      attributes["NORMAL"] = buffer.AddAccessor(UnitNormals(mesh, *normals), kFloat, "VEC3", vertexCount, kArrayBuffer);
+    attributes["POSITION"] = AddPositions(geometry);
+    if (geometry.flags & kHasNormal) {
+      attributes["NORMAL"] = buffer.AddAccessor(UnitNormals(geometry), kFloat, "VEC3", vertexCount, kArrayBuffer);
     }
     u32 uvSets = 0;
-    for (u32 l = 0; l < mesh.GetLayerCount(); ++l) {
-      const FbxLayerElementUV* uvs = mesh.GetLayer(int(l))->GetUVs();
-      if (!uvs) continue;
-      if (uvs->GetDirectArray().GetCount() != vertexCount) return false;
+    for (const SceneUvSet& set : mesh.uvSets) {
+      const Vec2* uvs = geometry.uvs[set.channel].Data();
       std::vector<f32> values;
       values.reserve(2 * vertexCount);
-      for (u32 v = 0; v < vertexCount; ++v) {
-        const FbxVector2& uv = uvs->GetDirectArray().GetAt(v);
-        values.insert(values.end(), {f32(uv.x), f32(1.0 - uv.y)});  // the scene's V runs upwards
-      }
+      for (u32 v = 0; v < vertexCount; ++v) values.insert(values.end(), {uvs[v].x, uvs[v].y});
       attributes["TEXCOORD_" + std::to_string(uvSets++)] =
           buffer.AddAccessor(values, kFloat, "VEC2", vertexCount, kArrayBuffer);
     }
-    // A skin without clusters binds nothing: the mesh stays a plain one under the actor's node.
-    const FbxSkin* skin = SkinOf(mesh);
-    if (skin && skin->GetClusterCount()) {
-      if (!AddSkin(node, *skin, vertexCount, attributes)) return false;
-      skinned = true;
-      topLevel.insert(&node);
-    }
+    const bool skinned = mesh.skinned && BindsBone(mesh) && AddWeights(mesh, node, attributes);
 
+    // The game's front faces run clockwise: the second and third corners change places.
+    const u32* index = geometry.indices.Data();
     u32 indices;
     if (vertexCount <= kMaxShortIndexVertices) {
-      std::vector<u16> values(corners.Data(), corners.Data() + corners.Count());
-      indices = buffer.AddAccessor(values, kUnsignedShort, "SCALAR", corners.Count(), kElementArrayBuffer);
+      indices = buffer.AddAccessor(Corners<u16>(index, cornerCount), kUnsignedShort, "SCALAR", cornerCount,
+                                   kElementArrayBuffer);
     } else {
-      std::vector<u32> values(corners.Data(), corners.Data() + corners.Count());
-      indices = buffer.AddAccessor(values, kUnsignedInt, "SCALAR", corners.Count(), kElementArrayBuffer);
+      indices = buffer.AddAccessor(Corners<u32>(index, cornerCount), kUnsignedInt, "SCALAR", cornerCount,
+                                   kElementArrayBuffer);
     }
     Json primitive = {{"attributes", attributes}, {"indices", indices}, {"mode", kTriangles}};
-    if (node.GetMaterialCount() && node.GetMaterial(0)->Kind() == FbxObjectKind::SurfacePhong) {
-      const i32 image = meshIndex < images.meshImage.size() ? images.meshImage[meshIndex] : -1;
-      primitive["material"] =
-          AddMaterial(*static_cast<const FbxSurfacePhong*>(node.GetMaterial(0)), uvSets > 0 ? image : -1);
-    }
-    meshes.push_back({{"name", mesh.GetName()}, {"primitives", Json::array({primitive})}});
-    nodes[indexOf[&node]]["mesh"] = meshes.size() - 1;
-    return true;
+    primitive["material"] = AddMaterial(mesh, uvSets > 0 ? mesh.diffuseImage : kSceneNoImage);
+    meshes.push_back({{"name", mesh.name}, {"primitives", Json::array({primitive})}});
+    nodes[node]["mesh"] = meshes.size() - 1;
+    return skinned;
   }
 
-  u32 AddPositions(const FbxMesh& mesh) {
-    const u32 count = mesh.GetControlPointsCount();
+  template <class T>
+  static std::vector<T> Corners(const u32* index, u32 count) {
+    std::vector<T> values(count);
+    for (u32 c = 0; c < count; c += 3) {
+      values[c] = T(index[c]), values[c + 1] = T(index[c + 2]), values[c + 2] = T(index[c + 1]);
+    }
+    return values;
+  }
+
+  u32 AddPositions(const ExportMesh& geometry) {
+    const u32 count = geometry.vertexCount;
     std::vector<f32> values;
     values.reserve(3 * count);
     f32 low[3] = {INFINITY, INFINITY, INFINITY}, high[3] = {-INFINITY, -INFINITY, -INFINITY};
     for (u32 v = 0; v < count; ++v) {
-      const FbxVector4& p = mesh.GetControlPoints()[v];
-      const f32 xyz[3] = {f32(p.x), f32(p.y), f32(p.z)};
+      const Vec3& p = geometry.positions[v];
+      const f32 xyz[3] = {p.x, p.y, p.z};
       for (u32 a = 0; a < 3; ++a) {
         low[a] = std::fmin(low[a], xyz[a]);
         high[a] = std::fmax(high[a], xyz[a]);
@@ -316,37 +288,34 @@ class DocumentBuilder {
                               {{"min", {low[0], low[1], low[2]}}, {"max", {high[0], high[1], high[2]}}});
   }
 
-  // The skin's joints are every bone of the rig, in rig order, as an importer that builds its
-  // skeleton from them finds the FBX file's; JOINTS_0 and WEIGHTS_0 number them. A vertex without
-  // weight goes wholly to the rig's first root bone, so it follows the skeleton as a whole.
-  bool AddSkin(const FbxNode& node, const FbxSkin& skin, u32 vertexCount, Json& attributes) {
-    const u32 boneCount = state.boneNodes.Count();
-    if (boneCount == 0 || boneCount > 0xFFFF) return false;
-    Json joints = Json::array();
-    std::vector<f32> inverseBind;
-    u16 top = 0;
-    for (u32 b = boneCount; b-- > 0;) {
-      if (state.boneNodes[b]->GetParent() == state.rootNode) top = u16(b);
-    }
-    for (u32 b = 0; b < boneCount; ++b) {
-      joints.push_back(indexOf[state.boneNodes[b]]);
-      AppendMatrix(state.boneNodes[b]->EvaluateGlobalTransform().Inverse(), inverseBind);
-    }
-    std::vector<VertexWeights> weights(vertexCount);
-    for (u32 c = 0; c < skin.GetClusterCount(); ++c) {
-      const FbxCluster& cluster = *skin.GetCluster(c);
-      const auto link = indexOf.find(cluster.GetLink());
-      // Bones are nodes 1 to boneCount, after the actor's.
-      if (link == indexOf.end() || link->second == 0 || link->second > boneCount) return false;
-      const u16 joint = u16(link->second - 1);
-      for (u32 k = 0; k < cluster.GetControlPointIndicesCount(); ++k) {
-        const int v = cluster.GetControlPointIndices()[k];
-        const f32 w = f32(cluster.GetControlPointWeights()[k]);
-        if (v < 0 || u32(v) >= vertexCount) return false;
-        if (w > 0) weights[u32(v)].Add(joint, w);
+  static bool BindsBone(const SceneMesh& mesh) {
+    for (const SceneInfluences& vertex : mesh.influences) {
+      for (const SceneInfluence& slot : vertex.k) {
+        if (slot.bone != kSceneNoBone) return true;
       }
     }
-    for (VertexWeights& vertex : weights) {
+    return false;
+  }
+
+  // The skeleton's first root bone, which takes a vertex without weight wholly.
+  u16 TopBone() const {
+    for (u32 b = 0; b < scene.bones.Count(); ++b) {
+      if (scene.bones[b].parent < 0) return u16(b);
+    }
+    return 0;
+  }
+
+  bool AddWeights(const SceneMesh& mesh, u32 node, Json& attributes) {
+    const u32 boneCount = scene.bones.Count();
+    const u32 vertexCount = mesh.geometry.vertexCount;
+    if (boneCount == 0 || boneCount > 0xFFFF || mesh.influences.Count() != vertexCount) return false;
+    const u16 top = TopBone();
+    std::vector<VertexWeights> weights(vertexCount);
+    for (u32 v = 0; v < vertexCount; ++v) {
+      VertexWeights& vertex = weights[v];
+      for (const SceneInfluence& slot : mesh.influences[v].k) {
+        if (slot.bone != kSceneNoBone) vertex.Add(u16(slot.bone), slot.weight);
+      }
       f32 sum = 0;
       for (u32 k = 0; k < vertex.count; ++k) sum += vertex.weight[k];
       if (!(sum > 0) || !std::isfinite(sum)) {
@@ -361,7 +330,7 @@ class DocumentBuilder {
     weightValues.reserve(kInfluences * vertexCount);
     for (const VertexWeights& vertex : weights)
       weightValues.insert(weightValues.end(), vertex.weight, vertex.weight + 4);
-    if (joints.size() <= kMaxByteJoints) {
+    if (boneCount <= kMaxByteJoints) {
       std::vector<u8> values;
       values.reserve(kInfluences * vertexCount);
       for (const VertexWeights& vertex : weights) {
@@ -375,27 +344,33 @@ class DocumentBuilder {
       attributes["JOINTS_0"] = buffer.AddAccessor(values, kUnsignedShort, "VEC4", vertexCount, kArrayBuffer);
     }
     attributes["WEIGHTS_0"] = buffer.AddAccessor(weightValues, kFloat, "VEC4", vertexCount, kArrayBuffer);
-    const u32 matrices = u32(joints.size());
-    skins.push_back({{"name", node.GetName()},
-                     {"skeleton", 0},
-                     {"joints", joints},
-                     {"inverseBindMatrices", buffer.AddAccessor(inverseBind, kFloat, "MAT4", matrices, kNoTarget)}});
-    nodes[indexOf[&node]]["skin"] = skins.size() - 1;
+    AddSkin(mesh.name, JointsJson(), node);
     return true;
   }
 
-  // A material of its own for each mesh, as in the FBX file: the phong's diffuse colour as an
+  // A skin over `joints` with their inverse bind matrices, used by `node` (kNoNode: by none).
+  void AddSkin(const char* name, Json joints, u32 node) {
+    std::vector<f32> inverseBind;
+    inverseBind.reserve(16 * joints.size());
+    for (const SceneBone& bone : scene.bones) AppendInverse(bone.bind, inverseBind);
+    const u32 matrices = u32(joints.size());
+    skins.push_back({{"name", name},
+                     {"skeleton", 0},
+                     {"joints", std::move(joints)},
+                     {"inverseBindMatrices", buffer.AddAccessor(inverseBind, kFloat, "MAT4", matrices, kNoTarget)}});
+    if (node != kNoNode) nodes[node]["skin"] = skins.size() - 1;
+  }
+
+  // A material of its own for each mesh, as in the FBX file: the diffuse colour as an
   // unlit-looking non-metal, or the embedded image over white.
-  u32 AddMaterial(const FbxSurfacePhong& phong, i32 image) {
-    const FbxDouble3 diffuse = phong.Diffuse.Get();
-    const f64 factor = phong.DiffuseFactor.Get();
+  u32 AddMaterial(const SceneMesh& mesh, i32 image) {
     Json pbr = {{"metallicFactor", 0.0}};
-    if (image >= 0 && u32(image) < images.png.size()) {
+    if (image >= 0 && u32(image) < images.png.size() && images.png[u32(image)]) {
       pbr["baseColorTexture"] = {{"index", TextureFor(u32(image))}, {"texCoord", 0}};
     } else {
-      pbr["baseColorFactor"] = {diffuse.x * factor, diffuse.y * factor, diffuse.z * factor, 1.0};
+      pbr["baseColorFactor"] = {mesh.color[0], mesh.color[1], mesh.color[2], 1.0};
     }
-    materials.push_back({{"name", phong.GetName()}, {"pbrMetallicRoughness", pbr}});
+    materials.push_back({{"name", mesh.materialName}, {"pbrMetallicRoughness", pbr}});
     return u32(materials.size() - 1);
   }
 
@@ -403,7 +378,7 @@ class DocumentBuilder {
   u32 TextureFor(u32 image) {
     const auto known = textureOf.find(image);
     if (known != textureOf.end()) return known->second;
-    const std::vector<u8>& png = images.png[image];
+    const std::vector<u8>& png = *images.png[image];
     gltfImages.push_back(
         {{"bufferView", buffer.AddView(png.data(), png.size(), kNoTarget)}, {"mimeType", "image/png"}});
     gltfTextures.push_back({{"source", gltfImages.size() - 1}});
@@ -411,11 +386,9 @@ class DocumentBuilder {
     return textureOf[image];
   }
 
-  const ConvertState& state;
+  const ExportScene& scene;
   const GltfImages& images;
   BufferBuilder buffer;
-  std::unordered_map<const FbxNode*, u32> indexOf;
-  std::unordered_set<const FbxNode*> topLevel;
   std::unordered_map<u32, u32> textureOf;
   Json nodes = Json::array();
   Json meshes = Json::array();
@@ -427,7 +400,7 @@ class DocumentBuilder {
 
 }  // namespace
 
-bool BuildGltf(const ConvertState& state, const GltfImages& images, GltfDocument& document) {
-  DocumentBuilder builder(state, images, document);
-  return builder.Build(document);
+void BuildGltf(const ExportScene& scene, const GltfImages& images, GltfDocument& document) {
+  DocumentBuilder builder(scene, images, document);
+  builder.Build(document);
 }

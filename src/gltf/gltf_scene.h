@@ -1,25 +1,24 @@
 #pragma once
 
+#include <memory>
 #include <vector>
 
-#include "fbx/convert_state.h"
+#include "export/export_scene.h"
 #include "gltf/glb_container.h"
 
-// The diffuse images to embed with a scene's meshes: each image once as PNG bytes, and for each
-// mesh, by its place among the state's mesh nodes, the index of its image or -1. A mesh past the
-// end of `meshImage` has none.
+// The images to embed with a scene's meshes: for each image of the scene, its PNG bytes, or null
+// where it gave none. An image past the end has none.
 struct GltfImages {
-  std::vector<std::vector<u8>> png;
-  std::vector<i32> meshImage;
+  std::vector<std::shared_ptr<const std::vector<u8>>> png;
 };
 
-// The glTF 2.0 document of the scene in `state`, the same content as its FBX file: a node named
-// after the actor with one node per bone below it, each mesh with its UV sets, skin and material.
-// Positions stay in the scene's units (metres) and axes (Y up, the same in both formats); UVs take
-// the top-left origin again and triangles keep the scene's counter-clockwise front faces. Each
-// vertex's weights are renormalised to sum to 1; a skinned vertex with no weight is bound wholly to
-// the rig's first root bone, and a skin that binds no bone is left out. Normals come out at unit
+// The glTF 2.0 document of `scene`, the same content as its FBX file: a node named after the actor
+// with one node per bone below it, each mesh with its UV sets, skin and material. Positions stay in
+// the scene's units (metres) and axes (Y up, the same in both formats); triangles turn to the
+// format's counter-clockwise front faces. Each vertex's weights are renormalised to sum to 1; a
+// skinned vertex with no weight is bound wholly to the skeleton's first root bone. A mesh whose
+// skin binds no bone stays a plain one, and where no mesh binds the skeleton, a skin of its own
+// lists every bone, so that readers still take the bones as a skeleton. Normals come out at unit
 // length, a zero one replaced by its triangles' normal. A mesh without triangles leaves its node
-// without a mesh. False when a mesh holds something no scene of ours
-// does (a polygon that isn't a triangle, an element that doesn't cover every vertex).
-[[nodiscard]] bool BuildGltf(const ConvertState& state, const GltfImages& images, GltfDocument& document);
+// without a mesh. Each mesh's diffuse image is embedded once however many meshes show it.
+void BuildGltf(const ExportScene& scene, const GltfImages& images, GltfDocument& document);

@@ -2,7 +2,7 @@
 
 #include "core/types.h"
 #include "mesh/preview_mesh.h"
-#include "preview/image_decode.h"
+#include "image/image_decode.h"
 #include "preview/preview_math.h"
 
 // A mesh in graphics memory: its buffers, 0 when absent.

@@ -8,7 +8,7 @@
 #include <filesystem>
 
 #include "app/convert_actor.h"
-#include "preview/image_decode.h"
+#include "image/image_decode.h"
 #include "support/image_writer.h"
 #include "support/pack_writer.h"
 #include "support/shell_run.h"

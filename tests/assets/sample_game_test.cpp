@@ -11,6 +11,7 @@
 #include "assets/pack_index.h"
 #include "core/hash.h"
 #include "app/rig_choice.h"
+#include "fbx/convert_state.h"
 #include "fbx/export_fixture.h"
 #include "support/fbx_reader.h"
 #include "support/temp_dir.h"
@@ -147,16 +148,21 @@ TEST_F(SampleGame, EveryActorConvertsWithTheRigItIsMeantToFind) {
     ASSERT_NO_FATAL_FAILURE(ReadActor(row.adr, files));
     exporttest::RigDialog rigDialog;
     rigDialog.pick = "ChildIdle";
-    ConvertState state;
+    ExportScene scene;
     ConvertOutcome outcome;
     PackIndex noPacks;
-    ASSERT_TRUE(BuildActorScene(state, GameTables{noPacks, definitions, rigs}, row.adr, files.actor, files.model,
+    ASSERT_TRUE(BuildActorScene(scene, GameTables{noPacks, definitions, rigs}, row.adr, files.actor, files.model,
                                 files.Applied(), rigDialog, outcome));
-    EXPECT_EQ(state.rig, RigOf(rigs, row));
+    const RigSkeleton* rig = RigOf(rigs, row);
+    ASSERT_EQ(scene.hasRig, rig != nullptr);
     EXPECT_EQ(rigDialog.shown.size(), row.asks ? 2u : 0u);
-    if (state.rig) {
-      EXPECT_EQ(std::count(state.modelToRig.begin(), state.modelToRig.end(), kNoRigBone), 0) << "every bone in the rig";
+    if (rig) {
+      EXPECT_EQ(scene.bones[0].name, rig->bones[0].name.Text()) << "the bones are the rig's";
+      EXPECT_EQ(scene.modelBones.Count(), files.model.bones.Count()) << "every bone in the rig";
     }
+    ConvertState state;
+    ASSERT_TRUE(::Setup(state));
+    ASSERT_EQ(BuildFbxScene(state, scene), SceneBuildResult::kBuilt);
     const std::string path = dir.Join("actor.fbx");
     ASSERT_TRUE(WriteScene(state.fbxManager.get(), state.fbxScene, path.c_str()));
     testsupport::FbxReadFile fbx;

@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "export/build_export_scene.h"
 #include "export_fixture.h"
 #include "fbx/sdk/fbx_math.h"
 #include "support/allocation_failure.h"

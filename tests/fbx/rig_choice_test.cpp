@@ -6,6 +6,7 @@
 #include "core/hash.h"
 #include "app/rig_choice.h"
 #include "export_fixture.h"
+#include "export/scene_skeleton.h"
 #include "fbx/setup_rig.h"
 #include "fbx/sdk/fbx_skeleton.h"
 
@@ -30,13 +31,17 @@ struct RigChoice : testing::Test {
     loaded.files = testsupport::BuildSkinnedActor({.boneCount = 2});
     ASSERT_TRUE(Read(loaded.model, exporttest::Bytes(loaded.files.model), loaded.materials));
   }
-  // The rig that SetupRig settles on: its first bone's name, or "" for none.
+  // The rig that the scene settles on: its first bone's name, or "" for none.
   std::string Chosen() {
+    ExportScene scene;
+    TArray<u32> modelToRig;
+    EXPECT_TRUE(BuildSceneSkeleton(scene, loaded.model, PickRig(loaded.actor, loaded.model, loaded.rigs, dialog),
+                                   modelToRig));
     ConvertState state;
-    EXPECT_TRUE(::Setup(state, "a\\hero.adr"));
-    EXPECT_TRUE(SetupRig(state, loaded.model, PickRig(loaded.actor, loaded.model, loaded.rigs, dialog)));
-    EXPECT_EQ(state.fbxScene->GetPoseCount(), state.rig ? 1u : 0u) << "no pose without a rig";
-    return state.rig ? state.rig->bones[0].name.Text() : "";
+    EXPECT_TRUE(::Setup(state));
+    EXPECT_TRUE(SetupRig(state, scene));
+    EXPECT_EQ(state.fbxScene->GetPoseCount(), scene.hasRig ? 1u : 0u) << "no pose without a rig";
+    return scene.hasRig ? scene.bones[0].name : "";
   }
 };
 
@@ -78,21 +83,24 @@ TEST_F(RigChoice, BonesHangAsTheRigSaysAndTwoClaimsOnOneBoneFail) {
   loaded.AddNetwork("hero", NetworkWithSets({{7, Rig({"bone_1", "top", "bone_0"})}}, {{"Idle", 7}}));
   RigNetwork& network = loaded.rigs.ValueAt(0);
   network.rigs[0].bones[0].parent = 2;  // a parent after its child
+  ExportScene scene;
+  TArray<u32> modelToRig;
+  ASSERT_TRUE(BuildSceneSkeleton(scene, loaded.model, &network.rigs[0], modelToRig));
   ConvertState state;
-  ASSERT_TRUE(::Setup(state, "hero.adr"));
-  ASSERT_TRUE(SetupRig(state, loaded.model, &network.rigs[0]));
+  ASSERT_TRUE(::Setup(state));
+  ASSERT_TRUE(SetupRig(state, scene));
   ASSERT_EQ(state.rootNode->GetChildCount(), 2u) << "two top-level bones under the root";
   EXPECT_STREQ(state.rootNode->GetChild(0)->GetName(), "top");
   EXPECT_EQ(state.boneNodes[0]->GetParent(), state.boneNodes[2]);
-  EXPECT_EQ(std::vector<u32>(state.modelToRig.begin(), state.modelToRig.end()), (std::vector<u32>{2, 0}));
+  EXPECT_EQ(std::vector<u32>(modelToRig.begin(), modelToRig.end()), (std::vector<u32>{2, 0}));
+  EXPECT_EQ(std::vector<u32>(scene.modelBones.begin(), scene.modelBones.end()), (std::vector<u32>{2, 0}));
 
   // A bone whose name hashes as bone_0's in any case claims it a second time.
   network.rigs[0].bones[1].name = network.rigs[0].bones[2].name;
   ASSERT_TRUE(network.rigs[0].bones[1].name.Assign("BONE_0"));
   ASSERT_EQ(HashNameWide("BONE_0"), HashNameWide("bone_0"));
-  ConvertState clash;
-  ASSERT_TRUE(::Setup(clash, "hero.adr"));
-  EXPECT_FALSE(SetupRig(clash, loaded.model, &network.rigs[0]));
+  ExportScene clash;
+  EXPECT_FALSE(BuildSceneSkeleton(clash, loaded.model, &network.rigs[0], modelToRig));
 }
 
 TEST(RigMatches, AModelWithoutBones) {

@@ -1,8 +1,8 @@
 # Run by the glTF tests as: blender -b --factory-startup --python blender_compare_probe.py -- A.fbx A.glb ...
 # Imports each pair of files into an empty scene and prints one line per pair: "PAIR", the glTF file's
 # name and a JSON object with the bones and mesh vertices each import made and the largest distance
-# between the same bone's head, between the same vertex (relative beyond 1 unit from the origin; world
-# space) and between the same face corner's UVs in the two imports.
+# between the same bone's head and between the same vertex (both relative beyond 1 unit from the
+# origin; world space) and between the same face corner's UVs in the two imports.
 import json
 import sys
 
@@ -44,7 +44,7 @@ for fbx, glb in zip(args[0::2], args[1::2]):
     common = sorted(set(fbx_heads) & set(glb_heads))
     result = {
         "bones": [len(fbx_heads), len(glb_heads), len(common)],
-        "bone_distance": largest([fbx_heads[n] for n in common], [glb_heads[n] for n in common]),
+        "bone_distance": largest([fbx_heads[n] for n in common], [glb_heads[n] for n in common], True),
         "meshes": [len(fbx_meshes), len(glb_meshes)],
         "vertices": [sum(len(v) for v in fbx_meshes.values()), sum(len(v) for v in glb_meshes.values())],
         "vertex_distance": max([largest(fbx_meshes[n], glb_meshes.get(n, []), True) for n in fbx_meshes], default=0.0),

@@ -10,7 +10,7 @@
 #include "fbx/sdk/fbx_mesh.h"
 #include "glb_reader.h"
 #include "gltf/gltf_scene.h"
-#include "preview/image_decode.h"
+#include "image/image_decode.h"
 #include "support/image_writer.h"
 #include "support/pack_writer.h"
 #include "support/xml_writer.h"
@@ -207,7 +207,8 @@ TEST(GltfExport, AVertexThatNoRigBoneWeighsGoesToTheRigsRootBone) {
   UseRig(loaded);
   const Export unbound = Convert(loaded, dir.Join("unbound.glb"), ExportFormat::kGlb);
   ASSERT_TRUE(unbound.outcome.Written()) << unbound.outcome.logLine.Text();
-  EXPECT_FALSE(unbound.glb.json.contains("skins"));
+  ASSERT_EQ(unbound.glb.json["skins"].size(), 1u) << "the skeleton's own skin";
+  EXPECT_FALSE(unbound.glb.json["nodes"][3].contains("skin")) << "which the mesh doesn't use";
   EXPECT_FALSE(unbound.glb.json["meshes"][0]["primitives"][0]["attributes"].contains("JOINTS_0"));
   EXPECT_EQ(unbound.glb.json["nodes"][0]["children"], nlohmann::json({1, 3}));
 }
@@ -239,30 +240,23 @@ TEST(GltfExport, JointNumbersTakeSixteenBitsBeyond256BonesAndIndicesThirtyTwoBey
 }
 
 TEST(GltfExport, NormalsComeOutAtUnitLengthAndAZeroOneTakesItsTrianglesNormal) {
-  ConvertState state;
-  ASSERT_TRUE(::Setup(state, "hero.adr"));
-  state.rootNode = FbxNode::Create(state.fbxScene, "hero");
-  FbxMesh* mesh = FbxMesh::Create(state.fbxScene, "Mesh_0");
-  ASSERT_TRUE(mesh && mesh->InitControlPoints(4));
-  // One triangle facing down, and a vertex that no triangle uses.
-  const FbxVector4 points[] = {{0, 0, 0, 1}, {1, 0, 0, 1}, {0, 0, 1, 1}, {5, 5, 5, 1}};
-  const FbxVector4 stored[] = {{0, 2, 0, 1}, {0, 0, 0, 1}, {3, 0, 4, 1}, {0, 0, 0, 1}};
-  FbxLayerElementNormal* normals = mesh->CreateElementNormal();
-  ASSERT_TRUE(normals);
-  for (int v = 0; v < 4; ++v) {
-    mesh->SetControlPointAt(points[v], v);
-    ASSERT_GE(normals->GetDirectArray().Add(stored[v]), 0);
-  }
-  mesh->BeginPolygon();
-  ASSERT_TRUE(mesh->AddPolygon(0) && mesh->AddPolygon(1) && mesh->AddPolygon(2) && mesh->EndPolygon());
-  FbxNode* node = FbxNode::Create(state.fbxScene, "Mesh_0");
-  ASSERT_TRUE(node && node->SetNodeAttribute(mesh) && state.rootNode->AddChild(node));
-  FbxNode** kept = state.meshNodes.Append();
-  ASSERT_TRUE(kept);
-  *kept = node;
+  ExportScene scene;
+  ASSERT_TRUE(scene.rootName.Assign("hero"));
+  SceneMesh* mesh = scene.meshes.Append();
+  ASSERT_TRUE(mesh);
+  std::strcpy(mesh->name, "Mesh_0");
+  ExportMesh& geometry = mesh->geometry;
+  // One triangle facing down (clockwise, as the game stores it), and a vertex that no triangle uses.
+  const Vec3 points[] = {{0, 0, 0}, {1, 0, 0}, {0, 0, 1}, {5, 5, 5}};
+  const Vec3 stored[] = {{0, 2, 0}, {0, 0, 0}, {3, 0, 4}, {0, 0, 0}};
+  ASSERT_TRUE(geometry.positions.SetSize(4) && geometry.normals.SetSize(4) && geometry.indices.SetSize(3));
+  for (u32 v = 0; v < 4; ++v) geometry.positions[v] = points[v], geometry.normals[v] = stored[v];
+  const u32 triangle[] = {0, 2, 1};
+  for (u32 c = 0; c < 3; ++c) geometry.indices[c] = triangle[c];
+  geometry.vertexCount = 4, geometry.indexCount = 3, geometry.flags = kHasPosition | kHasNormal;
 
   GltfDocument document;
-  ASSERT_TRUE(BuildGltf(state, {}, document));
+  BuildGltf(scene, {}, document);
   glbtest::Glb glb{nlohmann::json::parse(document.json), std::string(document.bin.begin(), document.bin.end())};
   const std::vector<double> expected = {0, 1, 0, 0, -1, 0, 0.6, 0, 0.8, 0, 1, 0};
   const std::vector<double> written = glbtest::Values(glb, Attribute(glb, 0, "NORMAL"));

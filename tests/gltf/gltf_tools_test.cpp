@@ -92,6 +92,12 @@ class GltfTools : public testing::Test {
       ASSERT_TRUE(loaded.actor.animationNetworkName.Assign("anims\\large.mrn"));
       WritePair(loaded, actors, "many_bones");
     }
+    {
+      // Bones and no mesh: readers must still take them as a skeleton.
+      LoadedActor loaded;
+      loaded.Load({.meshCount = 0, .boneCount = 5, .chain = true});
+      WritePair(loaded, actors, "skeleton_only");
+    }
   }
   static void TearDownTestSuite() {
     delete dir;
@@ -124,7 +130,7 @@ testsupport::TempDir* GltfTools::dir = nullptr;
 TEST_F(GltfTools, EveryActorPassesTheKhronosValidatorWithoutErrorOrWarning) {
   std::vector<std::string> files = Files(dir->Join("out"), ".glb");
   const std::vector<std::string> textured = Files(dir->Join("textured"), ".glb");
-  ASSERT_EQ(files.size(), 10u + 4u) << "the sample game's ten actors and the writers' four";
+  ASSERT_EQ(files.size(), 10u + 5u) << "the sample game's ten actors and the writers' five";
   ASSERT_EQ(textured.size(), 10u);
   files.insert(files.end(), textured.begin(), textured.end());
   std::string command = "node " TARNWICK_TEST_SOURCE_DIR "/gltf/validate_glb.js";
@@ -150,9 +156,12 @@ TEST_F(GltfTools, BlenderImportsTheGlbWithTheSameBoneHeadsVerticesAndUvsAsTheFbx
     const nlohmann::json pair = nlohmann::json::parse(line, nullptr, false);
     SCOPED_TRACE(run.out.substr(at + 5, nameEnd - at - 5));
     ASSERT_FALSE(pair.is_discarded()) << line;
+    if (run.out.substr(at + 5, nameEnd - at - 5).ends_with("skeleton_only.glb")) {
+      EXPECT_GT(pair["bones"][0], 0) << "an armature";
+    }
     EXPECT_EQ(pair["bones"][0], pair["bones"][1]);
     EXPECT_EQ(pair["missing_bones"].size(), 0u) << line;
-    EXPECT_LT(pair["bone_distance"].get<double>(), 1e-5);
+    EXPECT_LT(pair["bone_distance"].get<double>(), 1e-6);
     EXPECT_EQ(pair["meshes"][0], pair["meshes"][1]);
     EXPECT_EQ(pair["missing_meshes"].size(), 0u) << line;
     EXPECT_EQ(pair["vertices"][0], pair["vertices"][1]);

@@ -1,4 +1,4 @@
-#include "preview/image_decode.h"
+#include "image/image_decode.h"
 
 #include <climits>
 #include <cstring>
@@ -6,7 +6,7 @@
 #include <utility>
 
 #include "core/memory_hooks.h"
-#include "preview/dds_decoder.h"
+#include "image/dds_decoder.h"
 
 namespace {
 

@@ -1,4 +1,4 @@
-#include "preview/dds_decoder.h"
+#include "image/dds_decoder.h"
 
 #include <bit>
 #include <cstring>

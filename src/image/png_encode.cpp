@@ -1,4 +1,4 @@
-#include "preview/png_encode.h"
+#include "image/png_encode.h"
 
 #include <spng.h>
 

@@ -2,7 +2,7 @@
 
 #include <cstddef>
 
-#include "preview/image_decode.h"
+#include "image/image_decode.h"
 
 // DDS files: uncompressed RGB(A) and luminance layouts described by bit masks, BC1, BC2, BC3, BC4
 // and BC5 (by four-character code or by a DX10 header's format). Only the top mip level of the

@@ -1,4 +1,4 @@
-#include "preview/image_decode.h"
+#include "image/image_decode.h"
 
 #include <gtest/gtest.h>
 

@@ -1,0 +1,16 @@
+#pragma once
+
+#include "export/export_scene.h"
+#include "gamedata/model_file.h"
+#include "gamedata/rig_network.h"
+
+// The skeleton of `rig` (owned by the rig table; null for none) in `scene`: its bones with their
+// bind transforms, and in `modelToRig` each bone of `model` as a bone of the scene or kSceneNoBone.
+// A model without bones takes no rig. False when memory is refused or two rig bones claim one
+// model bone.
+[[nodiscard]] bool BuildSceneSkeleton(ExportScene& scene, const ModelFile& model, const RigSkeleton* rig,
+                                      TArray<u32>& modelToRig);
+
+// The column-major matrix of translation `t` and rotation `q` (x, y, z, w; normalised first, the
+// identity for a zero one), applied after the column-major `parent`.
+void ComposeBind(const f64* parent, const f32 (&t)[3], const f32 (&q)[4], f64 (&out)[16]);
