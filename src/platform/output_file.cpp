@@ -16,8 +16,8 @@ std::atomic<u32> gSerial{0};
 
 }  // namespace
 
-bool OutputFile::Fail() {
-  (void)error.Format("%s", std::strerror(errno));
+bool OutputFile::Fail(const char* step) {
+  (void)error.Format("%s%s", step, std::strerror(errno));
   Discard();
   return false;
 }
@@ -62,7 +62,8 @@ bool OutputFile::Write(const void* data, u64 size) {
   while (size > 0) {
     const ssize_t written = ::write(fd, at, size);
     if (written < 0 && errno == EINTR) continue;
-    if (written <= 0) return Fail();
+    if (written == 0) errno = ENOSPC;  // a write that takes nothing has found the disk full
+    if (written <= 0) return Fail("short write: ");
     at += written;
     size -= u64(written);
   }
@@ -75,7 +76,8 @@ bool OutputFile::Commit(bool flush) {
   if (flush && fsync(fd) != 0) return Fail();
   const int closed = ::close(fd);
   fd = -1;
-  if (closed != 0 || std::rename(temporary.Text(), target.Text()) != 0) return Fail();
+  if (closed != 0) return Fail();
+  if (std::rename(temporary.Text(), target.Text()) != 0) return Fail("rename refused: ");
   temporary.Clear(false);
   return true;
 }

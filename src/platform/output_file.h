@@ -28,7 +28,8 @@ class OutputFile {
   const char* Error() const { return error.Text(); }
 
  private:
-  bool Fail();
+  // Keeps the system's text for the last failure, after `step`, and drops the temporary.
+  bool Fail(const char* step = "");
 
   int fd = -1;
   TStringBufferA<260> target;

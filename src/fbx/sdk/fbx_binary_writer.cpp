@@ -242,7 +242,7 @@ FbxWriteResult WriteFbxBinary(FbxRecord& document, const char* creationTime, Fbx
   const u64 afterId = size + 16;
   const u64 padding = 16 - afterId % 16;
   const u64 total = afterId + padding + 4 + 4 + kFooterZeros + sizeof(kEndMagic);
-  if (total > UINT32_MAX) return FbxWriteResult::kOutOfMemory;
+  if (total > UINT32_MAX) return FbxWriteResult::kTooLarge;
   Emitter emit(sink);
   if (!emit.Init()) return FbxWriteResult::kOutOfMemory;
   emit.Bytes(kMagic, sizeof(kMagic));
@@ -257,7 +257,7 @@ FbxWriteResult WriteFbxBinary(FbxRecord& document, const char* creationTime, Fbx
   emit.Zeros(kFooterZeros);
   emit.Bytes(kEndMagic, sizeof(kEndMagic));
   if (!emit.Finish()) return FbxWriteResult::kSinkFailed;
-  return emit.Position() == total ? FbxWriteResult::kWritten : FbxWriteResult::kOutOfMemory;
+  return emit.Position() == total ? FbxWriteResult::kWritten : FbxWriteResult::kSizeMismatch;
 }
 
 bool WriteFbxBinary(FbxRecord& document, const char* creationTime, CByteBuffer& out) {

@@ -19,7 +19,9 @@ class FbxByteSink {
 
 enum class FbxWriteResult {
   kWritten,
-  kOutOfMemory,  // or a file that would pass 4 GiB, which 32-bit offsets can't address
+  kOutOfMemory,
+  kTooLarge,      // the file would pass the 4 GiB that its 32-bit offsets address
+  kSizeMismatch,  // the bytes handed over differ from the size laid out: a fault of ours
   kSinkFailed,
 };
 

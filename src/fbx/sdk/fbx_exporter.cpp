@@ -28,6 +28,12 @@ void FbxStatus::SetError(const char* format, ...) {
   va_end(args);
 }
 
+bool FbxExporter::Refuse(const char* reason) {
+  status.SetError("%s", reason);
+  file.Discard();
+  return false;
+}
+
 bool FbxExporter::Initialize(const char* newPath, int fileFormat, FbxIOSettings*) {
   status.Clear();
   if (fileFormat > 0) {
@@ -61,12 +67,21 @@ bool FbxExporter::Export(const FbxScene* scene, bool nonBlocking) {
   FileSink sink(file);
   const FbxWriteResult result = BuildSceneDocument(*scene, time, document) ? WriteFbxBinary(document, timeText, sink)
                                                                            : FbxWriteResult::kOutOfMemory;
-  if (result == FbxWriteResult::kOutOfMemory) {
-    status.SetError("Out of memory");
-    file.Discard();
-    return false;
+  switch (result) {
+    case FbxWriteResult::kWritten:
+      break;
+    case FbxWriteResult::kOutOfMemory:
+      return Refuse("Out of memory");
+    case FbxWriteResult::kTooLarge:
+      return Refuse("The file would pass the 4 GiB that the format can address");
+    case FbxWriteResult::kSizeMismatch:
+      return Refuse("The file came out at another size than it was laid out");
+    case FbxWriteResult::kSinkFailed:
+      status.SetError("Cannot write the file: %s", file.Error());
+      file.Discard();
+      return false;
   }
-  if (result == FbxWriteResult::kSinkFailed || !file.Commit(flush)) {
+  if (!file.Commit(flush)) {
     status.SetError("Cannot write the file: %s", file.Error());
     return false;
   }

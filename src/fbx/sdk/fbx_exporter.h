@@ -37,6 +37,9 @@ class FbxExporter final : public FbxObject, public FbxCreatable<FbxExporter> {
   void SetFlushOnExport(bool flushFile) { flush = flushFile; }
 
  private:
+  // Puts `reason` in the status and drops the file; false.
+  bool Refuse(const char* reason);
+
   OutputFile file;
   bool flush = true;
   FbxStatus status;
