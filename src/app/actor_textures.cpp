@@ -1,6 +1,7 @@
 #include "app/actor_textures.h"
 
 #include <algorithm>
+#include <atomic>
 #include <filesystem>
 
 #include "app/output_names.h"
@@ -25,20 +26,27 @@ std::string TextureNote(TextureResult result, const std::string& name) {
   return {};
 }
 
-void ExportActorTextures(ConvertState& state, const ExportScene& scene, const PackIndex& packs, const char* outputPath,
+bool ExportActorTextures(ConvertState& state, const ExportScene& scene, const PackIndex& packs, const char* outputPath,
                          TextureStore& store, ActorTextures& result) {
   std::error_code ignored;
   const std::filesystem::path output = std::filesystem::absolute(outputPath, ignored);
   const std::string folderName = Stem(output) + ".fbm";
   const std::filesystem::path folder = output.parent_path() / folderName;
 
-  if (scene.images.Count() == 0) return;
+  if (scene.images.Count() == 0) return true;
   const std::vector<std::string> names(scene.images.begin(), scene.images.end());
   const std::vector<std::string> relative = OutputNames(names, ".png");
   std::vector<TextureResult> results(names.size(), TextureResult::kUnwritable);
+  result.files.reserve(names.size());  // so that recording a written file can't fail
+  // Refused memory must not leave the worker threads as an exception.
+  std::atomic<bool> outOfMemory = false;
   auto write = [&](u32, u32 t) {
-    const std::filesystem::path file = folder / relative[t];
-    if (MakeFolders(file.parent_path().c_str())) results[t] = store.Write(packs, names[t], file.string());
+    try {
+      const std::filesystem::path file = folder / relative[t];
+      if (MakeFolders(file.parent_path().c_str())) results[t] = store.Write(packs, names[t], file.string());
+    } catch (const std::bad_alloc&) {
+      outOfMemory = true;
+    }
   };
   ParallelFor(u32(names.size()), ProcessorCount(), write);
 
@@ -58,6 +66,11 @@ void ExportActorTextures(ConvertState& state, const ExportScene& scene, const Pa
       result.notes.push_back("Texture \"" + names[u32(t)] + "\" can't be put on its material.");
     }
   }
+  return !outOfMemory;
+}
+
+ActorTextures::~ActorTextures() {
+  if (!keep) RemoveActorTextures(*this);
 }
 
 void RemoveActorTextures(const ActorTextures& textures) {

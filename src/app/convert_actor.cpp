@@ -78,13 +78,11 @@ void ExportFbx(ExportScene& scene, const GameTables& game, const char* path, Con
   ActorTextures textures;
   if (options.textures) {
     StoreChoice store(options);
-    ExportActorTextures(state, scene, game.packs, path, store.Get(), textures);
+    if (!ExportActorTextures(state, scene, game.packs, path, store.Get(), textures)) return FailWrite(outcome, path);
     outcome.notes = textures.notes;
   }
-  if (!WriteScene(state.fbxManager.get(), state.fbxScene, path, options.batch)) {
-    RemoveActorTextures(textures);  // a failed conversion leaves nothing behind
-    return FailWrite(outcome, path);
-  }
+  if (!WriteScene(state.fbxManager.get(), state.fbxScene, path, options.batch)) return FailWrite(outcome, path);
+  textures.keep = true;
   outcome.result = ConvertResult::kWritten;
 }
 
@@ -115,14 +113,18 @@ void ExportActor(const GameTables& game, const char* actorName, const ActorDefin
                  const ConvertOptions& options) {
   outcome.notes.clear();
   ExportScene scene;
-  if (!BuildActorScene(scene, game, actorName, actor, model, materials, questions.rig, outcome)) return;
+  // The standard containers report refused memory by throwing: it ends this conversion with its
+  // line, nothing written, and never the program.
+  try {
+    if (!BuildActorScene(scene, game, actorName, actor, model, materials, questions.rig, outcome)) return;
+  } catch (const std::bad_alloc&) {
+    return FailBuild(outcome, SceneBuildResult::kMeshFailed);
+  }
   TStringBufferA<kSavePathSize> path;
   if (!questions.save.AskSavePath(path)) {
     outcome.result = ConvertResult::kCancelled;
     return;
   }
-  // The standard containers of the writers report refused memory by throwing: it ends this
-  // conversion, with nothing written, and never the program.
   try {
     if (ResolveFormat(options.format, path.Text()) == ExportFormat::kGlb) {
       return ExportGlb(scene, game, path.Text(), outcome, options);

@@ -2,13 +2,11 @@
 
 #include <algorithm>
 #include <cmath>
-#include <nlohmann/json.hpp>
 #include <unordered_map>
 
+#include "gltf/json_text.h"
 
 namespace {
-
-using Json = nlohmann::json;
 
 // Component types and buffer targets, by the numbers the format gives them.
 constexpr u32 kUnsignedByte = 5121;
@@ -33,8 +31,9 @@ class BufferBuilder {
 
   u32 AddView(const void* data, u64 size, u32 target) {
     bin.resize((bin.size() + 3) & ~size_t(3), 0);
-    Json view = {{"buffer", 0}, {"byteOffset", bin.size()}, {"byteLength", size}};
-    if (target != kNoTarget) view["target"] = target;
+    json::Object view;
+    view.Set("buffer", "0").Set("byteOffset", json::Number(u64(bin.size()))).Set("byteLength", json::Number(size));
+    if (target != kNoTarget) view.Set("target", json::Number(target));
     const u8* bytes = static_cast<const u8*>(data);
     bin.insert(bin.end(), bytes, bytes + size);
     views.push_back(std::move(view));
@@ -43,33 +42,39 @@ class BufferBuilder {
 
   template <class T>
   u32 AddAccessor(const std::vector<T>& values, u32 componentType, const char* type, u32 count, u32 target,
-                  Json extra = Json::object()) {
-    Json accessor = {{"bufferView", AddView(values.data(), values.size() * sizeof(T), target)},
-                     {"componentType", componentType},
-                     {"count", count},
-                     {"type", type}};
-    accessor.update(extra);
+                  json::Object accessor = {}) {
+    accessor.Set("bufferView", json::Number(AddView(values.data(), values.size() * sizeof(T), target)))
+        .Set("componentType", json::Number(componentType))
+        .Set("count", json::Number(count))
+        .Set("type", json::String(type));
     accessors.push_back(std::move(accessor));
     return u32(accessors.size() - 1);
   }
 
   std::vector<u8>& bin;
-  Json views = Json::array();
-  Json accessors = Json::array();
+  std::vector<json::Object> views;
+  std::vector<json::Object> accessors;
 };
 
+std::string Numbers(std::initializer_list<f64> values) {
+  std::vector<std::string> texts;
+  for (f64 value : values) texts.push_back(json::Number(value));
+  return json::Array(texts);
+}
+
 // A bone's node: its name and local transform, each part only where it differs from the default.
-Json BoneJson(const SceneBone& bone) {
-  Json json = {{"name", bone.name}};
+json::Object BoneJson(const SceneBone& bone) {
+  json::Object node;
+  node.Set("name", json::String(bone.name));
   const f32* t = bone.translation;
-  if (t[0] != 0 || t[1] != 0 || t[2] != 0) json["translation"] = {f64(t[0]), f64(t[1]), f64(t[2])};
+  if (t[0] != 0 || t[1] != 0 || t[2] != 0) node.Set("translation", Numbers({t[0], t[1], t[2]}));
   // The format wants unit quaternions; a rig's may be slightly off.
   const f32* q = bone.rotation;
   const f64 length = std::sqrt(f64(q[0]) * q[0] + f64(q[1]) * q[1] + f64(q[2]) * q[2] + f64(q[3]) * q[3]);
   if (length > 0 && (q[0] != 0 || q[1] != 0 || q[2] != 0)) {
-    json["rotation"] = {q[0] / length, q[1] / length, q[2] / length, q[3] / length};
+    node.Set("rotation", Numbers({q[0] / length, q[1] / length, q[2] / length, q[3] / length}));
   }
-  return json;
+  return node;
 }
 
 // The inverse of an affine column-major matrix, in single precision as the file stores it; the
@@ -169,45 +174,50 @@ class DocumentBuilder {
     out.bin.clear();
     // The actor's node first, then the bones in rig order, then the meshes in mesh order.
     const u32 boneCount = scene.bones.Count();
-    nodes.push_back({{"name", scene.rootName.Text()}});
+    nodes.push_back(json::Object().Set("name", json::String(scene.rootName.Text())));
     for (const SceneBone& bone : scene.bones) nodes.push_back(BoneJson(bone));
-    for (const SceneMesh& mesh : scene.meshes) nodes.push_back({{"name", mesh.name}});
-    Json sceneNodes = Json::array({0});
-    std::vector<Json> children(1 + boneCount, Json::array());
-    for (u32 b = 0; b < boneCount; ++b) children[u32(scene.bones[b].parent + 1)].push_back(1 + b);
+    for (const SceneMesh& mesh : scene.meshes) nodes.push_back(json::Object().Set("name", json::String(mesh.name)));
+    std::vector<std::string> sceneNodes = {"0"};
+    std::vector<std::vector<std::string>> children(1 + boneCount);
+    for (u32 b = 0; b < boneCount; ++b) children[u32(scene.bones[b].parent + 1)].push_back(json::Number(1 + b));
     bool bound = false;
     for (u32 m = 0; m < scene.meshes.Count(); ++m) {
       const u32 node = 1 + boneCount + m;
       // A skinned mesh follows its joints alone, so it stands at the top, where no parent's
       // transform seems to apply to it.
       if (AddMesh(scene.meshes[m], node)) {
-        sceneNodes.push_back(node);
+        sceneNodes.push_back(json::Number(node));
         bound = true;
       } else {
-        children[0].push_back(node);
+        children[0].push_back(json::Number(node));
       }
     }
     if (!bound && boneCount) AddSkin(scene.rootName.Text(), JointsJson(), kNoNode);
     for (u32 n = 0; n < children.size(); ++n) {
-      if (!children[n].empty()) nodes[n]["children"] = std::move(children[n]);
+      if (!children[n].empty()) nodes[n].Set("children", json::Array(children[n]));
     }
 
-    Json json = {{"asset", {{"version", "2.0"}, {"generator", "Tarnwick"}}},
-                 {"scene", 0},
-                 {"scenes", Json::array({{{"name", scene.rootName.Text()}, {"nodes", sceneNodes}}})},
-                 {"nodes", nodes}};
-    if (!meshes.empty()) json["meshes"] = meshes;
-    if (!materials.empty()) json["materials"] = materials;
-    if (!skins.empty()) json["skins"] = skins;
+    json::Object document;
+    document.Set("asset", json::Object().Set("version", json::String("2.0")).Set("generator", json::String("Tarnwick")).Text())
+        .Set("scene", "0")
+        .Set("scenes", json::Array(std::vector<json::Object>{json::Object()
+                                                                  .Set("name", json::String(scene.rootName.Text()))
+                                                                  .Set("nodes", json::Array(sceneNodes))}))
+        .Set("nodes", json::Array(nodes));
+    if (!meshes.empty()) document.Set("meshes", json::Array(meshes));
+    if (!materials.empty()) document.Set("materials", json::Array(materials));
+    if (!skins.empty()) document.Set("skins", json::Array(skins));
     if (!gltfTextures.empty()) {
-      json["textures"] = gltfTextures;
-      json["images"] = gltfImages;
+      document.Set("textures", json::Array(gltfTextures));
+      document.Set("images", json::Array(gltfImages));
     }
-    if (!buffer.accessors.empty()) json["accessors"] = buffer.accessors;
-    if (!buffer.views.empty()) json["bufferViews"] = buffer.views;
-    if (!out.bin.empty()) json["buffers"] = Json::array({{{"byteLength", out.bin.size()}}});
-    // Names come from the game's files: bytes that aren't UTF-8 are replaced, never a failure.
-    out.json = json.dump(-1, ' ', false, Json::error_handler_t::replace);
+    if (!buffer.accessors.empty()) document.Set("accessors", json::Array(buffer.accessors));
+    if (!buffer.views.empty()) document.Set("bufferViews", json::Array(buffer.views));
+    if (!out.bin.empty()) {
+      document.Set("buffers", json::Array(std::vector<json::Object>{
+                                  json::Object().Set("byteLength", json::Number(u64(out.bin.size())))}));
+    }
+    out.json = document.Text();
   }
 
  private:
@@ -215,10 +225,10 @@ class DocumentBuilder {
 
   // Every bone, in rig order: JOINTS_0 numbers them so, as an importer that builds its skeleton
   // from them finds the FBX file's.
-  Json JointsJson() const {
-    Json joints = Json::array();
-    for (u32 b = 0; b < scene.bones.Count(); ++b) joints.push_back(1 + b);
-    return joints;
+  std::string JointsJson() const {
+    std::vector<std::string> joints;
+    for (u32 b = 0; b < scene.bones.Count(); ++b) joints.push_back(json::Number(1 + b));
+    return json::Array(joints);
   }
 
   // True when the mesh got a skin that binds a bone.
@@ -228,10 +238,11 @@ class DocumentBuilder {
     const u32 cornerCount = mesh.TriangleCount() * 3;
     if (vertexCount == 0 || cornerCount == 0) return false;  // nothing to draw: the node alone
 
-    Json attributes = Json::object();
-    attributes["POSITION"] = AddPositions(geometry);
+    json::Object attributes;
+    attributes.Set("POSITION", json::Number(AddPositions(geometry)));
     if (geometry.flags & kHasNormal) {
-      attributes["NORMAL"] = buffer.AddAccessor(UnitNormals(geometry), kFloat, "VEC3", vertexCount, kArrayBuffer);
+      attributes.Set("NORMAL", json::Number(buffer.AddAccessor(UnitNormals(geometry), kFloat, "VEC3", vertexCount,
+                                                               kArrayBuffer)));
     }
     u32 uvSets = 0;
     for (const SceneUvSet& set : mesh.uvSets) {
@@ -239,8 +250,8 @@ class DocumentBuilder {
       std::vector<f32> values;
       values.reserve(2 * vertexCount);
       for (u32 v = 0; v < vertexCount; ++v) values.insert(values.end(), {uvs[v].x, uvs[v].y});
-      attributes["TEXCOORD_" + std::to_string(uvSets++)] =
-          buffer.AddAccessor(values, kFloat, "VEC2", vertexCount, kArrayBuffer);
+      attributes.Set("TEXCOORD_" + std::to_string(uvSets++),
+                     json::Number(buffer.AddAccessor(values, kFloat, "VEC2", vertexCount, kArrayBuffer)));
     }
     const bool skinned = mesh.skinned && BindsBone(mesh) && AddWeights(mesh, node, attributes);
 
@@ -254,10 +265,13 @@ class DocumentBuilder {
       indices = buffer.AddAccessor(Corners<u32>(index, cornerCount), kUnsignedInt, "SCALAR", cornerCount,
                                    kElementArrayBuffer);
     }
-    Json primitive = {{"attributes", attributes}, {"indices", indices}, {"mode", kTriangles}};
-    primitive["material"] = AddMaterial(mesh, uvSets > 0 ? mesh.diffuseImage : kSceneNoImage);
-    meshes.push_back({{"name", mesh.name}, {"primitives", Json::array({primitive})}});
-    nodes[node]["mesh"] = meshes.size() - 1;
+    json::Object primitive;
+    primitive.Set("attributes", attributes.Text())
+        .Set("indices", json::Number(indices))
+        .Set("mode", json::Number(kTriangles))
+        .Set("material", json::Number(AddMaterial(mesh, uvSets > 0 ? mesh.diffuseImage : kSceneNoImage)));
+    meshes.push_back(json::Object().Set("name", json::String(mesh.name)).Set("primitives", json::Array(std::vector<json::Object>{primitive})));
+    nodes[node].Set("mesh", json::Number(u64(meshes.size() - 1)));
     return skinned;
   }
 
@@ -285,7 +299,9 @@ class DocumentBuilder {
       }
     }
     return buffer.AddAccessor(values, kFloat, "VEC3", count, kArrayBuffer,
-                              {{"min", {low[0], low[1], low[2]}}, {"max", {high[0], high[1], high[2]}}});
+                              json::Object()
+                                  .Set("min", Numbers({low[0], low[1], low[2]}))
+                                  .Set("max", Numbers({high[0], high[1], high[2]})));
   }
 
   static bool BindsBone(const SceneMesh& mesh) {
@@ -305,7 +321,7 @@ class DocumentBuilder {
     return 0;
   }
 
-  bool AddWeights(const SceneMesh& mesh, u32 node, Json& attributes) {
+  bool AddWeights(const SceneMesh& mesh, u32 node, json::Object& attributes) {
     const u32 boneCount = scene.bones.Count();
     const u32 vertexCount = mesh.geometry.vertexCount;
     if (boneCount == 0 || boneCount > 0xFFFF || mesh.influences.Count() != vertexCount) return false;
@@ -336,41 +352,46 @@ class DocumentBuilder {
       for (const VertexWeights& vertex : weights) {
         for (u16 joint : vertex.joint) values.push_back(u8(joint));
       }
-      attributes["JOINTS_0"] = buffer.AddAccessor(values, kUnsignedByte, "VEC4", vertexCount, kArrayBuffer);
+      attributes.Set("JOINTS_0", json::Number(buffer.AddAccessor(values, kUnsignedByte, "VEC4", vertexCount, kArrayBuffer)));
     } else {
       std::vector<u16> values;
       values.reserve(kInfluences * vertexCount);
       for (const VertexWeights& vertex : weights) values.insert(values.end(), vertex.joint, vertex.joint + 4);
-      attributes["JOINTS_0"] = buffer.AddAccessor(values, kUnsignedShort, "VEC4", vertexCount, kArrayBuffer);
+      attributes.Set("JOINTS_0", json::Number(buffer.AddAccessor(values, kUnsignedShort, "VEC4", vertexCount, kArrayBuffer)));
     }
-    attributes["WEIGHTS_0"] = buffer.AddAccessor(weightValues, kFloat, "VEC4", vertexCount, kArrayBuffer);
+    attributes.Set("WEIGHTS_0", json::Number(buffer.AddAccessor(weightValues, kFloat, "VEC4", vertexCount, kArrayBuffer)));
     AddSkin(mesh.name, JointsJson(), node);
     return true;
   }
 
   // A skin over `joints` with their inverse bind matrices, used by `node` (kNoNode: by none).
-  void AddSkin(const char* name, Json joints, u32 node) {
+  void AddSkin(const char* name, std::string joints, u32 node) {
     std::vector<f32> inverseBind;
-    inverseBind.reserve(16 * joints.size());
+    inverseBind.reserve(16 * scene.bones.Count());
     for (const SceneBone& bone : scene.bones) AppendInverse(bone.bind, inverseBind);
-    const u32 matrices = u32(joints.size());
-    skins.push_back({{"name", name},
-                     {"skeleton", 0},
-                     {"joints", std::move(joints)},
-                     {"inverseBindMatrices", buffer.AddAccessor(inverseBind, kFloat, "MAT4", matrices, kNoTarget)}});
-    if (node != kNoNode) nodes[node]["skin"] = skins.size() - 1;
+    const u32 matrices = scene.bones.Count();
+    skins.push_back(json::Object()
+                        .Set("name", json::String(name))
+                        .Set("skeleton", "0")
+                        .Set("joints", std::move(joints))
+                        .Set("inverseBindMatrices",
+                             json::Number(buffer.AddAccessor(inverseBind, kFloat, "MAT4", matrices, kNoTarget))));
+    if (node != kNoNode) nodes[node].Set("skin", json::Number(u64(skins.size() - 1)));
   }
 
   // A material of its own for each mesh, as in the FBX file: the diffuse colour as an
   // unlit-looking non-metal, or the embedded image over white.
   u32 AddMaterial(const SceneMesh& mesh, i32 image) {
-    Json pbr = {{"metallicFactor", 0.0}};
+    json::Object pbr;
+    pbr.Set("metallicFactor", json::Number(0.0));
     if (image >= 0 && u32(image) < images.png.size() && images.png[u32(image)]) {
-      pbr["baseColorTexture"] = {{"index", TextureFor(u32(image))}, {"texCoord", 0}};
+      pbr.Set("baseColorTexture",
+              json::Object().Set("index", json::Number(TextureFor(u32(image)))).Set("texCoord", "0").Text());
     } else {
-      pbr["baseColorFactor"] = {mesh.color[0], mesh.color[1], mesh.color[2], 1.0};
+      pbr.Set("baseColorFactor", Numbers({mesh.color[0], mesh.color[1], mesh.color[2], 1.0}));
     }
-    materials.push_back({{"name", mesh.materialName}, {"pbrMetallicRoughness", pbr}});
+    materials.push_back(
+        json::Object().Set("name", json::String(mesh.materialName)).Set("pbrMetallicRoughness", pbr.Text()));
     return u32(materials.size() - 1);
   }
 
@@ -379,9 +400,10 @@ class DocumentBuilder {
     const auto known = textureOf.find(image);
     if (known != textureOf.end()) return known->second;
     const std::vector<u8>& png = *images.png[image];
-    gltfImages.push_back(
-        {{"bufferView", buffer.AddView(png.data(), png.size(), kNoTarget)}, {"mimeType", "image/png"}});
-    gltfTextures.push_back({{"source", gltfImages.size() - 1}});
+    gltfImages.push_back(json::Object()
+                             .Set("bufferView", json::Number(buffer.AddView(png.data(), png.size(), kNoTarget)))
+                             .Set("mimeType", json::String("image/png")));
+    gltfTextures.push_back(json::Object().Set("source", json::Number(u64(gltfImages.size() - 1))));
     textureOf[image] = u32(gltfTextures.size() - 1);
     return textureOf[image];
   }
@@ -390,12 +412,12 @@ class DocumentBuilder {
   const GltfImages& images;
   BufferBuilder buffer;
   std::unordered_map<u32, u32> textureOf;
-  Json nodes = Json::array();
-  Json meshes = Json::array();
-  Json materials = Json::array();
-  Json skins = Json::array();
-  Json gltfTextures = Json::array();
-  Json gltfImages = Json::array();
+  std::vector<json::Object> nodes;
+  std::vector<json::Object> meshes;
+  std::vector<json::Object> materials;
+  std::vector<json::Object> skins;
+  std::vector<json::Object> gltfTextures;
+  std::vector<json::Object> gltfImages;
 };
 
 }  // namespace

@@ -125,19 +125,26 @@ TEST_F(BatchConvert, WritesTheSingleConversionsFilesWhateverTheJobsAndKeepsEachF
   EXPECT_TRUE(Files(dir.Join("one")) == files) << "--jobs 1 and --jobs 2 write the same files";
 }
 
-TEST_F(BatchConvert, EachTextureIsDecodedOncePerBatchAndEveryActorGetsItsOwnCopy) {
-  TextureStore store(false);
-  BatchSettings settings{.outDir = dir.Join("textured"), .jobs = 2, .rig = "ChildIdle",
-                         .convert = {.creationTime = FixedTime, .batch = true, .textures = true, .textureStore = &store}};
-  const BatchSummary summary = RunBatch(Tables(), actors, settings, nullptr, stop, results);
-  EXPECT_EQ(summary.written, 10u + kCopies * 12u);
-  // The sample game's actors name 13 images between them; the copies name the same ones.
-  EXPECT_EQ(store.DecodeCount(), 13u);
-  for (size_t i = 0; i < actors.size(); ++i) {
-    if (results[i].state != BatchState::kWritten) continue;
-    EXPECT_TRUE(results[i].notes.empty()) << actors[i].name;
-    const std::string fbm = dir.Join("textured/" + actors[i].output.substr(0, actors[i].output.size() - 4) + ".fbm");
-    EXPECT_TRUE(std::filesystem::is_directory(fbm)) << fbm;
+TEST_F(BatchConvert, EachTextureIsDecodedOncePerBatchWhateverTheFormatAndEveryActorGetsItsOwnCopy) {
+  for (const ExportFormat format : {ExportFormat::kFbx, ExportFormat::kGlb}) {
+    const bool glb = format == ExportFormat::kGlb;
+    SCOPED_TRACE(glb ? "glb" : "fbx");
+    TextureStore store(false);
+    const std::string out = glb ? "textured_glb" : "textured";
+    BatchSettings settings{.outDir = dir.Join(out), .jobs = 2, .rig = "ChildIdle",
+                           .convert = {.creationTime = FixedTime, .batch = true, .textures = true,
+                                       .textureStore = &store, .format = format}};
+    const BatchSummary summary = RunBatch(Tables(), actors, settings, nullptr, stop, results);
+    EXPECT_EQ(summary.written, 10u + kCopies * 12u);
+    // The sample game's actors name 13 images between them, each the diffuse texture of some mesh;
+    // the copies name the same ones.
+    EXPECT_EQ(store.DecodeCount(), 13u);
+    for (size_t i = 0; i < actors.size(); ++i) {
+      if (results[i].state != BatchState::kWritten) continue;
+      EXPECT_TRUE(results[i].notes.empty()) << actors[i].name;
+      const std::string stem = dir.Join(out + "/" + actors[i].output.substr(0, actors[i].output.size() - 4));
+      EXPECT_EQ(std::filesystem::is_directory(stem + ".fbm"), !glb) << stem;
+    }
   }
 }
 

@@ -11,6 +11,7 @@
 #include "glb_reader.h"
 #include "gltf/gltf_scene.h"
 #include "image/image_decode.h"
+#include "support/allocation_failure.h"
 #include "support/image_writer.h"
 #include "support/pack_writer.h"
 #include "support/xml_writer.h"
@@ -304,6 +305,57 @@ TEST(GltfExport, AFileThatCantBeWrittenFailsWithItsLineAndLeavesNothing) {
 
 // A 2 x 2 image whose every corner differs, rows from the top: red, green, then blue, white.
 const std::vector<u8> kCorners = {255, 0, 0, 255, 0, 255, 0, 255, 0, 0, 255, 255, 255, 255, 255, 255};
+
+// Refused memory anywhere in a .glb conversion with textures, the standard containers' included:
+// each refusal ends the conversion with its failure line and no file, or, inside a texture's
+// decoding, leaves that texture out with its note; nothing leaks and nothing throws out.
+TEST(GltfExport, RefusedMemoryAtEveryStepFailsCleanly) {
+  SkinnedActorDesc desc{.meshCount = 2, .gridSize = 2, .boneCount = 2};
+  desc.textures = {{{"baseDiffuse", "tex\\corners.png"}}, {{"baseDiffuse", "tex\\corners.png"}}};
+  LoadedActor loaded;
+  loaded.Load(desc);
+  testsupport::TempDir dir;
+  const std::vector<testsupport::PackFileEntry> files = {{"tex\\corners.png", testsupport::BuildPng(2, 2, kCorners)}};
+  ASSERT_TRUE(testsupport::WriteFileBytes(dir.Join("assets_000.pack"),
+                                          testsupport::BuildPack({{testsupport::PackChunk{files}}})));
+  PackIndex packs;
+  ASSERT_TRUE(packs.Open(dir.Path().c_str()));
+  const std::string path = dir.Join("hero.glb");
+  u64 failed = 0;
+  for (u64 n = 1;; ++n) {
+    exporttest::SaveDialog save;
+    exporttest::RigDialog rig;
+    save.path = path;
+    ConvertOutcome outcome;
+    bool refused = false;
+    {
+      testsupport::ScopedAllocationFailure refuse(n, true);
+      ExportActor(GameTables{packs, loaded.definitions, loaded.rigs}, "actors\\hero.adr", loaded.actor, loaded.model,
+                  loaded.materials, {save, rig}, outcome,
+                  {.creationTime = exporttest::FixedTime, .textures = true, .format = ExportFormat::kGlb});
+      refused = refuse.Failed();
+      EXPECT_EQ(refuse.Live(), 0) << "refusal " << n;
+    }
+    const bool written = outcome.Written();
+    const std::string line = outcome.logLine.Text();
+    const std::vector<std::string>& notes = outcome.notes;
+    if (!refused) {
+      EXPECT_TRUE(written) << line;
+      EXPECT_TRUE(notes.empty());
+      break;
+    }
+    ++failed;
+    if (written) {
+      EXPECT_EQ(notes, std::vector<std::string>{"Texture \"tex\\corners.png\" can't be decoded."}) << "refusal " << n;
+    } else {
+      EXPECT_FALSE(line.empty()) << "refusal " << n;
+      EXPECT_FALSE(std::filesystem::exists(path)) << "refusal " << n;
+    }
+    std::filesystem::remove(path);
+    EXPECT_EQ(std::distance(std::filesystem::directory_iterator(dir.Path()), {}), 1) << "nothing but the pack";
+  }
+  EXPECT_GT(failed, 100u) << "the standard containers' allocations were refused too";
+}
 
 TEST(GltfExport, TexturesGoInsideTheFileOnTheirMeshesMaterials) {
   SkinnedActorDesc desc{.meshCount = 3, .gridSize = 2, .boneCount = 2};
