@@ -306,6 +306,14 @@ TEST(GltfExport, AFileThatCantBeWrittenFailsWithItsLineAndLeavesNothing) {
 // A 2 x 2 image whose every corner differs, rows from the top: red, green, then blue, white.
 const std::vector<u8> kCorners = {255, 0, 0, 255, 0, 255, 0, 255, 0, 0, 255, 255, 255, 255, 255, 255};
 
+// A game folder whose one pack holds "tex\\corners.png", opened in `packs`.
+void OpenCornersPack(const testsupport::TempDir& dir, PackIndex& packs) {
+  const std::vector<testsupport::PackFileEntry> files = {{"tex\\corners.png", testsupport::BuildPng(2, 2, kCorners)}};
+  ASSERT_TRUE(testsupport::WriteFileBytes(dir.Join("assets_000.pack"),
+                                          testsupport::BuildPack({{testsupport::PackChunk{files}}})));
+  ASSERT_TRUE(packs.Open(dir.Path().c_str()));
+}
+
 // Refused memory anywhere in a .glb conversion with textures, the standard containers' included:
 // each refusal ends the conversion with its failure line and no file, or, inside a texture's
 // decoding, leaves that texture out with its note; nothing leaks and nothing throws out.
@@ -315,11 +323,8 @@ TEST(GltfExport, RefusedMemoryAtEveryStepFailsCleanly) {
   LoadedActor loaded;
   loaded.Load(desc);
   testsupport::TempDir dir;
-  const std::vector<testsupport::PackFileEntry> files = {{"tex\\corners.png", testsupport::BuildPng(2, 2, kCorners)}};
-  ASSERT_TRUE(testsupport::WriteFileBytes(dir.Join("assets_000.pack"),
-                                          testsupport::BuildPack({{testsupport::PackChunk{files}}})));
   PackIndex packs;
-  ASSERT_TRUE(packs.Open(dir.Path().c_str()));
+  ASSERT_NO_FATAL_FAILURE(OpenCornersPack(dir, packs));
   const std::string path = dir.Join("hero.glb");
   u64 failed = 0;
   for (u64 n = 1;; ++n) {
@@ -365,11 +370,8 @@ TEST(GltfExport, TexturesGoInsideTheFileOnTheirMeshesMaterials) {
   LoadedActor loaded;
   loaded.Load(desc);
   testsupport::TempDir dir;
-  const std::vector<testsupport::PackFileEntry> files = {{"tex\\corners.png", testsupport::BuildPng(2, 2, kCorners)}};
-  ASSERT_TRUE(testsupport::WriteFileBytes(dir.Join("assets_000.pack"),
-                                          testsupport::BuildPack({{testsupport::PackChunk{files}}})));
   PackIndex packs;
-  ASSERT_TRUE(packs.Open(dir.Path().c_str()));
+  ASSERT_NO_FATAL_FAILURE(OpenCornersPack(dir, packs));
   const Export out = Convert(loaded, dir.Join("hero.glb"), ExportFormat::kGlb, &packs, true);
   ASSERT_TRUE(out.outcome.Written()) << out.outcome.logLine.Text();
   EXPECT_EQ(out.outcome.notes, std::vector<std::string>{"Texture \"tex\\missing.dds\" was not found."});
