@@ -14,6 +14,11 @@ namespace {
 // The file's stem: its name without folders and without what follows the last dot.
 std::string Stem(const std::filesystem::path& file) { return file.stem().string(); }
 
+// Where the alpha split off a texture's file goes: beside it, "_alpha" added to its stem.
+std::filesystem::path AlphaPath(const std::filesystem::path& file) {
+  return file.parent_path() / (Stem(file) + "_alpha.png");
+}
+
 }  // namespace
 
 std::string TextureNote(TextureResult result, const std::string& name) {
@@ -34,16 +39,23 @@ bool ExportActorTextures(ConvertState& state, const ExportScene& scene, const Pa
   const std::filesystem::path folder = output.parent_path() / folderName;
 
   if (scene.images.Count() == 0) return true;
-  const std::vector<std::string> names(scene.images.begin(), scene.images.end());
+  std::vector<std::string> names;
+  for (const SceneImage& image : scene.images) names.emplace_back(image.name);
   const std::vector<std::string> relative = OutputNames(names, ".png");
   std::vector<TextureResult> results(names.size(), TextureResult::kUnwritable);
-  result.files.reserve(names.size());  // so that recording a written file can't fail
+  std::vector<char> alphas(names.size(), false);
+  result.files.reserve(2 * names.size());  // so that recording a written file can't fail
   // Refused memory must not leave the worker threads as an exception.
   std::atomic<bool> outOfMemory = false;
   auto write = [&](u32, u32 t) {
     try {
       const std::filesystem::path file = folder / relative[t];
-      if (MakeFolders(file.parent_path().c_str())) results[t] = store.Write(packs, names[t], file.string());
+      const AlphaForm form = scene.images[t].opaque ? AlphaForm::kSplit : AlphaForm::kAsStored;
+      bool alpha = false;
+      if (MakeFolders(file.parent_path().c_str())) {
+        results[t] = store.Write(packs, names[t], form, file.string(), AlphaPath(file).string(), alpha);
+      }
+      alphas[t] = alpha;
     } catch (const std::bad_alloc&) {
       outOfMemory = true;
     }
@@ -53,6 +65,7 @@ bool ExportActorTextures(ConvertState& state, const ExportScene& scene, const Pa
   for (size_t t = 0; t < names.size(); ++t) {
     if (results[t] == TextureResult::kWritten) {
       result.files.push_back((folder / relative[t]).string());
+      if (alphas[t]) result.files.push_back(AlphaPath(folder / relative[t]).string());
     } else {
       result.notes.push_back(TextureNote(results[t], names[t]));
     }
@@ -62,7 +75,8 @@ bool ExportActorTextures(ConvertState& state, const ExportScene& scene, const Pa
     if (t == kSceneNoImage || results[u32(t)] != TextureResult::kWritten) continue;
     const std::string absolute = (folder / relative[u32(t)]).string();
     const std::string fromOutput = folderName + "/" + relative[u32(t)];
-    if (!AddDiffuseTexture(state, i, Stem(relative[u32(t)]).c_str(), absolute.c_str(), fromOutput.c_str())) {
+    if (!AddDiffuseTexture(state, i, Stem(relative[u32(t)]).c_str(), absolute.c_str(), fromOutput.c_str(),
+                           scene.meshes[i].semiTransparent)) {
       result.notes.push_back("Texture \"" + names[u32(t)] + "\" can't be put on its material.");
     }
   }

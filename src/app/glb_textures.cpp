@@ -11,7 +11,9 @@ void CollectGlbTextures(const ExportScene& scene, const PackIndex& packs, Textur
     if (mesh.diffuseImage == kSceneNoImage || asked[u32(mesh.diffuseImage)]) continue;
     const u32 image = u32(mesh.diffuseImage);
     asked[image] = true;
-    const TextureResult result = store.Encode(packs, scene.images[image], images.png[image]);
-    if (result != TextureResult::kWritten) notes.push_back(TextureNote(result, scene.images[image]));
+    const SceneImage& source = scene.images[image];
+    const AlphaForm form = source.opaque ? AlphaForm::kSplit : AlphaForm::kAsStored;
+    const TextureResult result = store.Encode(packs, source.name, form, images.png[image]);
+    if (result != TextureResult::kWritten) notes.push_back(TextureNote(result, source.name));
   }
 }

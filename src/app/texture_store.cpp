@@ -1,27 +1,32 @@
 #include "app/texture_store.h"
 
+#include <vector>
+
 #include "core/byte_buffer.h"
-#include "image/image_decode.h"
-#include "image/png_encode.h"
 #include "platform/output_file.h"
 
 namespace {
 
-bool WriteFile(const std::string& path, const void* bytes, u64 size, bool flush) {
+bool WriteFile(const std::string& path, const std::vector<u8>& bytes, bool flush) {
   OutputFile file;
-  return file.Open(path.c_str()) && file.Write(bytes, size) && file.Commit(flush);
+  return file.Open(path.c_str()) && file.Write(bytes.data(), bytes.size()) && file.Commit(flush);
 }
 
 // A copy of a file written before; false when it can't be read or written.
 bool CopyFile(const std::string& from, const std::string& to, bool flush) {
   std::FILE* source = std::fopen(from.c_str(), "rb");
   if (!source) return false;
-  std::vector<char> bytes;
-  char chunk[65536];
+  std::vector<u8> bytes;
+  u8 chunk[65536];
   for (size_t n; (n = std::fread(chunk, 1, sizeof(chunk), source)) > 0;) bytes.insert(bytes.end(), chunk, chunk + n);
   const bool read = !std::ferror(source);
   std::fclose(source);
-  return read && !bytes.empty() && WriteFile(to, bytes.data(), bytes.size(), flush);
+  return read && !bytes.empty() && WriteFile(to, bytes, flush);
+}
+
+// Both files of a texture, its alpha only where it has one.
+bool WriteBoth(const TexturePng& texture, const std::string& path, const std::string& alphaPath, bool flush) {
+  return WriteFile(path, texture.png, flush) && (texture.alpha.empty() || WriteFile(alphaPath, texture.alpha, flush));
 }
 
 // Missing and undecodable stay so, whoever asks again.
@@ -29,71 +34,79 @@ bool Final(TextureResult result) { return result == TextureResult::kMissing || r
 
 }  // namespace
 
-std::shared_ptr<TextureStore::Entry> TextureStore::Find(const std::string& name) {
+std::shared_ptr<TextureStore::Entry> TextureStore::Find(const std::string& name, AlphaForm form) {
   const std::lock_guard guard(lock);
-  std::shared_ptr<Entry>& slot = entries[name];
+  std::shared_ptr<Entry>& slot = entries[name + (form == AlphaForm::kSplit ? "\n" : "")];
   if (!slot) slot = std::make_shared<Entry>();
   return slot;
 }
 
-TextureResult TextureStore::Make(const PackIndex& packs, const std::string& name, std::vector<u8>& png) {
+TextureResult TextureStore::Make(const PackIndex& packs, const std::string& name, AlphaForm form,
+                                 TexturePng& texture) {
   CByteBuffer bytes;
   if (!packs.FetchByName(name.c_str(), bytes)) return TextureResult::kMissing;
   ++decoded;
-  DecodedImage image;
-  if (!DecodeImage(bytes.Data(), bytes.Size(), image) || !EncodePng(image, png)) return TextureResult::kUndecodable;
-  return TextureResult::kWritten;
+  return MakeTexturePng(bytes.Data(), bytes.Size(), form, texture) ? TextureResult::kWritten
+                                                                    : TextureResult::kUndecodable;
 }
 
-void TextureStore::Hold(Entry& entry, PngBytes png) {
-  const u64 size = png->size();
+void TextureStore::Hold(Entry& entry, SharedTexturePng texture) {
+  const u64 size = texture->png.size() + texture->alpha.size();
   if (held.fetch_add(size) + size > kHeldBytes) {
     held -= size;
     return;
   }
-  entry.png = std::move(png);
+  entry.texture = std::move(texture);
 }
 
-TextureResult TextureStore::Write(const PackIndex& packs, const std::string& name, const std::string& path) {
-  const std::shared_ptr<Entry> entry = Find(name);
+TextureResult TextureStore::Write(const PackIndex& packs, const std::string& name, AlphaForm form,
+                                  const std::string& path, const std::string& alphaPath, bool& wroteAlpha) {
+  wroteAlpha = false;
+  const std::shared_ptr<Entry> entry = Find(name, form);
   const std::lock_guard guard(entry->lock);
-  if (entry->png) return WriteFile(path, entry->png->data(), entry->png->size(), flush) ? TextureResult::kWritten
-                                                                                         : TextureResult::kUnwritable;
+  if (entry->texture) {
+    wroteAlpha = !entry->texture->alpha.empty();
+    return WriteBoth(*entry->texture, path, alphaPath, flush) ? TextureResult::kWritten : TextureResult::kUnwritable;
+  }
   if (entry->done && entry->result == TextureResult::kWritten && !entry->file.empty() &&
-      CopyFile(entry->file, path, flush)) {
+      CopyFile(entry->file, path, flush) && (entry->alphaFile.empty() || CopyFile(entry->alphaFile, alphaPath, flush))) {
+    wroteAlpha = !entry->alphaFile.empty();
     return TextureResult::kWritten;
   }
   if (entry->done && Final(entry->result)) return entry->result;
-  std::vector<u8> png;
-  TextureResult result = Make(packs, name, png);
-  if (result == TextureResult::kWritten && !WriteFile(path, png.data(), png.size(), flush)) {
+  TexturePng texture;
+  TextureResult result = Make(packs, name, form, texture);
+  if (result == TextureResult::kWritten && !WriteBoth(texture, path, alphaPath, flush)) {
     result = TextureResult::kUnwritable;
   }
+  wroteAlpha = result == TextureResult::kWritten && !texture.alpha.empty();
   if (!entry->done || result == TextureResult::kWritten) {
     entry->done = true;
     entry->result = result;
     entry->file = result == TextureResult::kWritten ? path : std::string();
+    entry->alphaFile = wroteAlpha ? alphaPath : std::string();
   }
   return result;
 }
 
-TextureResult TextureStore::Encode(const PackIndex& packs, const std::string& name, PngBytes& png) {
-  const std::shared_ptr<Entry> entry = Find(name);
+TextureResult TextureStore::Encode(const PackIndex& packs, const std::string& name, AlphaForm form,
+                                   SharedTexturePng& texture) {
+  const std::shared_ptr<Entry> entry = Find(name, form);
   const std::lock_guard guard(entry->lock);
-  if (entry->png) {
-    png = entry->png;
+  if (entry->texture) {
+    texture = entry->texture;
     return TextureResult::kWritten;
   }
   if (entry->done && Final(entry->result)) return entry->result;
-  std::vector<u8> bytes;
-  const TextureResult result = Make(packs, name, bytes);
+  TexturePng made;
+  const TextureResult result = Make(packs, name, form, made);
   if (result != TextureResult::kWritten) {
     entry->done = true;
     entry->result = result;
     return result;
   }
-  png = std::make_shared<const std::vector<u8>>(std::move(bytes));
-  Hold(*entry, png);
+  texture = std::make_shared<const TexturePng>(std::move(made));
+  Hold(*entry, texture);
   if (!entry->done) entry->done = true, entry->result = result;
   return result;
 }

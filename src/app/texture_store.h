@@ -5,21 +5,21 @@
 #include <mutex>
 #include <string>
 #include <unordered_map>
-#include <vector>
 
 #include "assets/pack_index.h"
+#include "image/texture_png.h"
 
 // How the export of one texture went.
 enum class TextureResult { kWritten, kMissing, kUndecodable, kUnwritable };
 
-// PNG bytes shared by the files that embed them.
-using PngBytes = std::shared_ptr<const std::vector<u8>>;
+// An exported texture shared by the files that embed it.
+using SharedTexturePng = std::shared_ptr<const TexturePng>;
 
-// The textures a batch exports, each fetched, decoded and encoded once however many actors use it
-// and whatever the format. A file beside an FBX file is written by the first actor that wants it
-// and copied by the others; the PNG bytes that a .glb embeds are held for the next actor while
-// they fit a budget, and made afresh past it. Shared by the conversions of a batch; safe on any
-// thread.
+// The textures a batch exports, each fetched, decoded and encoded once per alpha form however many
+// actors use it and whatever the format. Files beside an FBX file are written by the first actor
+// that wants them and copied by the others; the PNG bytes that a .glb embeds are held for the
+// next actor while they fit a budget, and made afresh past it. Shared by the conversions of a
+// batch; safe on any thread.
 class TextureStore {
  public:
   // PNG bytes held at most, over all textures.
@@ -29,13 +29,15 @@ class TextureStore {
   // its end, passes false.
   explicit TextureStore(bool flushEach = true) : flush(flushEach) {}
 
-  // Writes the texture `name` of the packs as a PNG file at `path` (through a temporary), or says
-  // why it can't.
-  TextureResult Write(const PackIndex& packs, const std::string& name, const std::string& path);
-  // The texture `name` of the packs as PNG bytes in `png`, or why it can't be had (never
+  // Writes the texture `name` of the packs as a PNG file at `path` (through a temporary), and its
+  // split alpha, if any, at `alphaPath`; or says why it can't. `wroteAlpha` tells whether there was
+  // an alpha to write.
+  TextureResult Write(const PackIndex& packs, const std::string& name, AlphaForm form, const std::string& path,
+                      const std::string& alphaPath, bool& wroteAlpha);
+  // The texture `name` of the packs as PNG bytes in `texture`, or why it can't be had (never
   // kUnwritable).
-  TextureResult Encode(const PackIndex& packs, const std::string& name, PngBytes& png);
-  // How many images were decoded so far: one per texture, unless one had to be made afresh.
+  TextureResult Encode(const PackIndex& packs, const std::string& name, AlphaForm form, SharedTexturePng& texture);
+  // How many images were decoded so far: one per texture and form, unless one had to be made afresh.
   u32 DecodeCount() const { return decoded; }
 
  private:
@@ -43,14 +45,14 @@ class TextureStore {
     std::mutex lock;  // held while the first actor makes the texture, so the others wait for it
     bool done = false;
     TextureResult result = TextureResult::kMissing;
-    std::string file;  // the first file written, which the others copy
-    PngBytes png;      // held while within the budget
+    std::string file, alphaFile;  // the first files written, which the others copy
+    SharedTexturePng texture;     // held while within the budget
   };
 
-  std::shared_ptr<Entry> Find(const std::string& name);
-  TextureResult Make(const PackIndex& packs, const std::string& name, std::vector<u8>& png);
-  // Keeps `png` in `entry` when the budget has room for it.
-  void Hold(Entry& entry, PngBytes png);
+  std::shared_ptr<Entry> Find(const std::string& name, AlphaForm form);
+  TextureResult Make(const PackIndex& packs, const std::string& name, AlphaForm form, TexturePng& texture);
+  // Keeps `texture` in `entry` when the budget has room for it.
+  void Hold(Entry& entry, SharedTexturePng texture);
 
   const bool flush;
   std::atomic<u32> decoded{0};

@@ -17,11 +17,11 @@ bool DecodeMesh(const MaterialDefinition* definition, const InputLayout* layout,
 // The image of `name` in the scene, added on first sight. False when memory is refused.
 bool ImageOf(ExportScene& scene, const char* name, i32& image) {
   for (u32 i = 0; i < scene.images.Count(); ++i) {
-    if (std::strcmp(scene.images[i], name) == 0) return image = i32(i), true;
+    if (std::strcmp(scene.images[i].name, name) == 0) return image = i32(i), true;
   }
-  const char** added = scene.images.Append();
+  SceneImage* added = scene.images.Append();
   if (!added) return false;
-  *added = name;
+  added->name = name;
   image = i32(scene.images.Count() - 1);
   return true;
 }
@@ -35,6 +35,14 @@ bool CollectImages(ExportScene& scene, const ModelMaterials& materials) {
     ForEachTextureName(material, [&](const char* name) { kept = kept && ImageOf(scene, name, image); });
     const char* diffuse = DiffuseTextureName(material);
     if (!kept || (diffuse && !ImageOf(scene, diffuse, scene.meshes[i].diffuseImage))) return false;
+  }
+  // An image is opaque when some mesh that isn't see-through shows it, unless a see-through one
+  // does too: that one needs its alpha.
+  for (const SceneMesh& mesh : scene.meshes) {
+    if (mesh.diffuseImage != kSceneNoImage && !mesh.semiTransparent) scene.images[u32(mesh.diffuseImage)].opaque = true;
+  }
+  for (const SceneMesh& mesh : scene.meshes) {
+    if (mesh.diffuseImage != kSceneNoImage && mesh.semiTransparent) scene.images[u32(mesh.diffuseImage)].opaque = false;
   }
   return true;
 }

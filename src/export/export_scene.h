@@ -53,6 +53,14 @@ struct SceneMesh {
   u32 TriangleCount() const { return geometry.indexCount / 3; }
 };
 
+// A texture the meshes' materials name.
+struct SceneImage {
+  const char* name = nullptr;  // borrowed from the model's materials, which outlive the scene
+  // The diffuse texture of some mesh whose material isn't see-through, and of no see-through one:
+  // its alpha is no opacity, and is exported apart from its colour.
+  bool opaque = false;
+};
+
 struct ExportScene {
   TStringBufferA<48> rootName;  // the actor's file name without folders and extension
   bool hasRig = false;          // a rig was taken; it may have no bones
@@ -60,7 +68,6 @@ struct ExportScene {
   // The bones that the model's own bones stand for, in the model's order, each once.
   TArray<u32> modelBones;
   TArray<SceneMesh> meshes;     // in the model's order
-  // Every texture the meshes' materials name, each once, in the order the meshes name them;
-  // borrowed from the model's materials, which outlive the scene.
-  TArray<const char*> images;
+  // Every texture the meshes' materials name, each once, in the order the meshes name them.
+  TArray<SceneImage> images;
 };

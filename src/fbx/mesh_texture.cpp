@@ -4,7 +4,7 @@
 #include "fbx/sdk/fbx_surface_phong.h"
 
 bool AddDiffuseTexture(ConvertState& state, u32 meshIndex, const char* name, const char* absolute,
-                       const char* relative) {
+                       const char* relative, bool transparent) {
   if (meshIndex >= state.meshNodes.Count()) return false;
   FbxNode* node = state.meshNodes[meshIndex];
   if (node->GetMaterialCount() == 0 || node->GetMaterial(0)->Kind() != FbxObjectKind::SurfacePhong) return false;
@@ -21,5 +21,9 @@ bool AddDiffuseTexture(ConvertState& state, u32 meshIndex, const char* name, con
   if (!texture->SetUVSet(uvs ? uvs->GetName() : "")) return false;
   texture->SetVideo(video);
   phong->ConnectDiffuseTexture(texture);
+  if (transparent) {
+    phong->ConnectTransparentTexture(texture);
+    phong->TransparencyFactor.Set(1.0);
+  }
   return true;
 }

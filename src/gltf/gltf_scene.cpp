@@ -390,8 +390,10 @@ class DocumentBuilder {
     } else {
       pbr.Set("baseColorFactor", Numbers({mesh.color[0], mesh.color[1], mesh.color[2], 1.0}));
     }
-    materials.push_back(
-        json::Object().Set("name", json::String(mesh.materialName)).Set("pbrMetallicRoughness", pbr.Text()));
+    json::Object material;
+    material.Set("name", json::String(mesh.materialName)).Set("pbrMetallicRoughness", pbr.Text());
+    if (pbr.Has("baseColorTexture") && mesh.semiTransparent) material.Set("alphaMode", json::String("BLEND"));
+    materials.push_back(std::move(material));
     return u32(materials.size() - 1);
   }
 
@@ -399,13 +401,21 @@ class DocumentBuilder {
   u32 TextureFor(u32 image) {
     const auto known = textureOf.find(image);
     if (known != textureOf.end()) return known->second;
-    const std::vector<u8>& png = *images.png[image];
-    gltfImages.push_back(json::Object()
-                             .Set("bufferView", json::Number(buffer.AddView(png.data(), png.size(), kNoTarget)))
-                             .Set("mimeType", json::String("image/png")));
+    const TexturePng& texture = *images.png[image];
+    AddImage(texture.png, nullptr);
     gltfTextures.push_back(json::Object().Set("source", json::Number(u64(gltfImages.size() - 1))));
+    if (!texture.alpha.empty()) AddImage(texture.alpha, (std::string(scene.images[image].name) + "_alpha").c_str());
     textureOf[image] = u32(gltfTextures.size() - 1);
     return textureOf[image];
+  }
+
+  // An embedded PNG image, named where `name` isn't null.
+  void AddImage(const std::vector<u8>& png, const char* name) {
+    json::Object image;
+    image.Set("bufferView", json::Number(buffer.AddView(png.data(), png.size(), kNoTarget)))
+        .Set("mimeType", json::String("image/png"));
+    if (name) image.Set("name", json::String(name));
+    gltfImages.push_back(std::move(image));
   }
 
   const ExportScene& scene;

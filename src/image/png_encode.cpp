@@ -17,9 +17,41 @@ struct ContextDeleter {
   void operator()(spng_ctx* context) const { spng_ctx_free(context); }
 };
 
+// The pixels of `image` with only `channels` kept, tightly packed.
+std::vector<u8> Pack(const DecodedImage& image, PngChannels channels) {
+  const size_t pixels = size_t(image.width) * image.height;
+  const u8* rgba = image.pixels.Data();
+  std::vector<u8> packed(channels == PngChannels::kRgb ? 3 * pixels : pixels);
+  for (size_t i = 0; i < pixels; ++i) {
+    if (channels == PngChannels::kRgb) {
+      packed[3 * i] = rgba[4 * i], packed[3 * i + 1] = rgba[4 * i + 1], packed[3 * i + 2] = rgba[4 * i + 2];
+    } else {
+      packed[i] = rgba[4 * i + 3];
+    }
+  }
+  return packed;
+}
+
+u8 ColorType(PngChannels channels) {
+  switch (channels) {
+    case PngChannels::kRgba: return SPNG_COLOR_TYPE_TRUECOLOR_ALPHA;
+    case PngChannels::kRgb: return SPNG_COLOR_TYPE_TRUECOLOR;
+    case PngChannels::kAlpha: return SPNG_COLOR_TYPE_GRAYSCALE;
+  }
+  return SPNG_COLOR_TYPE_TRUECOLOR_ALPHA;
+}
+
 }  // namespace
 
-bool EncodePng(const DecodedImage& image, std::vector<u8>& png) {
+bool IsOpaque(const DecodedImage& image) {
+  const u8* rgba = image.pixels.Data();
+  for (u32 i = 3; i < image.pixels.Count(); i += 4) {
+    if (rgba[i] != 255) return false;
+  }
+  return true;
+}
+
+bool EncodePng(const DecodedImage& image, std::vector<u8>& png, PngChannels channels) {
   png.clear();
   const u64 size = u64(image.width) * image.height * 4;
   if (image.width == 0 || image.height == 0 || size != image.pixels.Count()) return false;
@@ -33,19 +65,20 @@ bool EncodePng(const DecodedImage& image, std::vector<u8>& png) {
   header.width = image.width;
   header.height = image.height;
   header.bit_depth = 8;
-  header.color_type = SPNG_COLOR_TYPE_TRUECOLOR_ALPHA;
-  if (spng_set_ihdr(context.get(), &header) != 0 ||
-      spng_encode_image(context.get(), image.pixels.Data(), size_t(size), SPNG_FMT_PNG, SPNG_ENCODE_FINALIZE) != 0) {
-    return false;
-  }
-  size_t length = 0;
+  header.color_type = ColorType(channels);
+  if (spng_set_ihdr(context.get(), &header) != 0) return false;
+  const std::vector<u8> packed = channels == PngChannels::kRgba ? std::vector<u8>() : Pack(image, channels);
+  const u8* pixels = channels == PngChannels::kRgba ? image.pixels.Data() : packed.data();
+  const size_t length = channels == PngChannels::kRgba ? size_t(size) : packed.size();
+  if (spng_encode_image(context.get(), pixels, length, SPNG_FMT_PNG, SPNG_ENCODE_FINALIZE) != 0) return false;
+  size_t written = 0;
   int error = 0;
-  void* bytes = spng_get_png_buffer(context.get(), &length, &error);
+  void* bytes = spng_get_png_buffer(context.get(), &written, &error);
   if (!bytes || error != 0) {
     std::free(bytes);
     return false;
   }
-  png.assign(static_cast<const u8*>(bytes), static_cast<const u8*>(bytes) + length);
+  png.assign(static_cast<const u8*>(bytes), static_cast<const u8*>(bytes) + written);
   std::free(bytes);  // the encoder's buffer is the caller's, from malloc
   return true;
 }

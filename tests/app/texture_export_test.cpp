@@ -6,6 +6,8 @@
 
 #include <cstdio>
 #include <filesystem>
+#include <map>
+#include <nlohmann/json.hpp>
 
 #include "app/convert_actor.h"
 #include "image/image_decode.h"
@@ -36,9 +38,9 @@ struct Answers : ISaveDialog, IRigDialog {
 // Two quads of 2 x 2 vertices: the first drawn with a PNG and naming a texture the packs lack and one
 // that isn't an image, the second with an uncompressed DDS.
 class TextureExport : public testing::Test {
- protected:
+ public:
   void SetUp() override {
-    testsupport::SkinnedActorDesc desc{.meshCount = 2, .gridSize = 2, .boneCount = 2};
+    testsupport::SkinnedActorDesc desc{.meshCount = 2, .gridSize = 2, .boneCount = 2, .semiTransparent = semiTransparent};
     desc.textures = {{{"baseDiffuse", "tex\\corners.png"}, {"normalMap", "tex\\missing.dds"}, {"glow", "tex\\broken.png"}},
                      {{"BaseDiffuse", "tex\\stone.dds"}}};
     const testsupport::SkinnedActor actor = testsupport::BuildSkinnedActor(desc);
@@ -65,7 +67,7 @@ class TextureExport : public testing::Test {
     answers.path = path;
     ConvertOutcome outcome;
     ConvertActor(GameTables{packs, materials, rigs}, *packs.Find("actor.adr"), "actor.adr", {answers, answers}, outcome,
-                 {.creationTime = FixedTime, .textures = textures});
+                 {.creationTime = FixedTime, .textures = textures, .format = ExportFormat::kByExtension});
     return outcome;
   }
 
@@ -74,6 +76,13 @@ class TextureExport : public testing::Test {
   MaterialDefinitionSet materials;
   RigTable rigs;
   std::string stoneDds;
+  bool semiTransparent = false;  // the meshes' material is see-through
+};
+
+// The same actor, its material see-through.
+class SeeThroughTextureExport : public TextureExport {
+ protected:
+  SeeThroughTextureExport() { semiTransparent = true; }
 };
 
 TEST_F(TextureExport, WritesEachTextureOnceAsPngWithItsPixelsAndLeavesOutWhatItCant) {
@@ -88,17 +97,31 @@ TEST_F(TextureExport, WritesEachTextureOnceAsPngWithItsPixelsAndLeavesOutWhatItC
     if (entry.is_regular_file()) written.push_back(std::filesystem::relative(entry.path(), dir.Join("out")).string());
   }
   std::sort(written.begin(), written.end());
-  EXPECT_EQ(written, (std::vector<std::string>{"actor.fbm/tex/corners.png", "actor.fbm/tex/stone.png"}));
+  // Both are diffuse textures of materials that aren't see-through: the corners' alpha is all
+  // opaque and goes, the stone's isn't and is kept in a file of its own.
+  EXPECT_EQ(written, (std::vector<std::string>{"actor.fbm/tex/corners.png", "actor.fbm/tex/stone.png",
+                                               "actor.fbm/tex/stone_alpha.png"}));
 
-  DecodedImage png, source;
-  ASSERT_TRUE(Decode(testsupport::ReadFileBytes(dir.Join("out/actor.fbm/tex/corners.png")), png));
+  DecodedImage png, alpha, source;
+  const std::string corners = testsupport::ReadFileBytes(dir.Join("out/actor.fbm/tex/corners.png"));
+  ASSERT_TRUE(Decode(corners, png));
   EXPECT_EQ(std::vector<u8>(png.pixels.begin(), png.pixels.end()), kCorners) << "a PNG comes out exactly";
+  EXPECT_EQ(corners[25], 2) << "colour type 2: no alpha channel";
   ASSERT_TRUE(Decode(testsupport::ReadFileBytes(dir.Join("out/actor.fbm/tex/stone.png")), png));
+  ASSERT_TRUE(Decode(testsupport::ReadFileBytes(dir.Join("out/actor.fbm/tex/stone_alpha.png")), alpha));
   ASSERT_TRUE(Decode(stoneDds, source));
   EXPECT_EQ(png.width, 4u);
   EXPECT_EQ(png.height, 2u);
-  EXPECT_TRUE(std::equal(png.pixels.begin(), png.pixels.end(), source.pixels.begin(), source.pixels.end()))
-      << "a DDS as our reader decodes it";
+  ASSERT_EQ(png.pixels.Count(), source.pixels.Count());
+  ASSERT_EQ(alpha.pixels.Count(), source.pixels.Count());
+  bool translucent = false;
+  for (u32 i = 0; i < source.pixels.Count(); i += 4) {
+    for (u32 c = 0; c < 3; ++c) EXPECT_EQ(png.pixels[i + c], source.pixels[i + c]) << "a DDS as our reader decodes it";
+    EXPECT_EQ(png.pixels[i + 3], 255);
+    EXPECT_EQ(alpha.pixels[i], source.pixels[i + 3]) << "the alpha as the game stores it";
+    translucent = translucent || source.pixels[i + 3] != 255;
+  }
+  EXPECT_TRUE(translucent) << "the stone's alpha isn't all opaque";
 
   // Without the option: the file of before, and no folder.
   const std::string plain = dir.Join("plain/actor.fbx");
@@ -155,6 +178,64 @@ TEST_F(TextureExport, BlenderShowsTheImagesRightWayUpOnTheirMeshes) {
   EXPECT_NE(probe.find("\"exists\": true, \"path\": \"" + dir.Join("actor.fbm/tex/stone.png") + "\", \"size\": [4, 2]"),
             std::string::npos)
       << probe;
+}
+
+// Blender's imports of `files`, one JSON object a file: each textured mesh's alpha link, blend
+// mode and image.
+std::map<std::string, nlohmann::json> OpacityProbe(const std::vector<std::string>& files) {
+  std::string command = "blender -b --factory-startup --python " TARNWICK_TEST_SOURCE_DIR "/app/blender_opacity_probe.py --";
+  for (const std::string& file : files) command += " '" + file + "'";
+  const testsupport::ShellRun run = testsupport::RunShell(command + " 2>/dev/null");
+  std::map<std::string, nlohmann::json> probes;
+  for (size_t at = 0; (at = run.out.find("OPACITY ", at)) != std::string::npos; ++at) {
+    const size_t nameEnd = run.out.find(' ', at + 8);
+    probes[run.out.substr(at + 8, nameEnd - at - 8)] =
+        nlohmann::json::parse(run.out.substr(nameEnd + 1, run.out.find('\n', at) - nameEnd - 1), nullptr, false);
+  }
+  return probes;
+}
+
+// What Blender makes of the diffuse textures, in both formats: opaque unless the material is
+// see-through, and the colours of the game's image either way.
+void ExpectOpacity(TextureExport& test, const std::string& folder, bool seeThrough, const std::string& stoneDds) {
+  std::vector<std::string> files;
+  for (const char* name : {"actor.fbx", "actor.glb"}) {
+    files.push_back(folder + "/" + name);
+    ASSERT_TRUE(test.Convert(files.back(), true).Written()) << name;
+  }
+  DecodedImage stone;
+  ASSERT_TRUE(DecodeImage(reinterpret_cast<const u8*>(stoneDds.data()), stoneDds.size(), stone));
+  const std::map<std::string, nlohmann::json> probes = OpacityProbe(files);
+  for (const std::string& file : files) {
+    SCOPED_TRACE(file);
+    ASSERT_TRUE(probes.contains(file));
+    const nlohmann::json& meshes = probes.at(file);
+    ASSERT_EQ(meshes.size(), 2u) << meshes;
+    for (const auto& [name, mesh] : meshes.items()) {
+      SCOPED_TRACE(name);
+      EXPECT_EQ(mesh["alpha_linked"], seeThrough);
+      EXPECT_EQ(mesh["blend"], seeThrough ? "BLEND" : "OPAQUE");
+      const std::vector<u8> source = mesh["rgb"].size() == 4 * 3 ? kCorners
+                                         : std::vector<u8>(stone.pixels.begin(), stone.pixels.end());
+      ASSERT_EQ(mesh["rgb"].size() / 3, source.size() / 4);
+      for (size_t p = 0; p < source.size() / 4; ++p) {
+        for (size_t c = 0; c < 3; ++c) EXPECT_EQ(mesh["rgb"][3 * p + c], source[4 * p + c]) << "pixel " << p;
+      }
+    }
+  }
+}
+
+TEST_F(TextureExport, BlenderTakesTheDiffuseAsOpaqueWhereTheMaterialIsntSeeThrough) {
+  ExpectOpacity(*this, dir.Path(), false, stoneDds);
+}
+
+TEST_F(SeeThroughTextureExport, BlenderBlendsBySeeThroughMaterialsAlpha) {
+  ExpectOpacity(*this, dir.Path(), true, stoneDds);
+  // The FBX material says so in the format's own words.
+  const std::string fbx = testsupport::ReadFileBytes(dir.Join("actor.fbx"));
+  EXPECT_NE(fbx.find("TransparentColor"), std::string::npos);
+  EXPECT_NE(fbx.find("TransparencyFactor"), std::string::npos);
+  EXPECT_FALSE(std::filesystem::exists(dir.Join("actor.fbm/tex/stone_alpha.png"))) << "the alpha stays in the image";
 }
 
 }  // namespace

@@ -138,6 +138,15 @@ TEST_F(GltfTools, EveryActorPassesTheKhronosValidatorWithoutErrorOrWarning) {
   const ShellRun run = Shell(command + " 2>&1");
   EXPECT_EQ(run.status, 0);
   EXPECT_EQ(run.out, "");
+  // Only the wisp's material is see-through: its textured material blends, the others are opaque.
+  for (const std::string& file : textured) {
+    glbtest::Glb glb;
+    std::string error;
+    ASSERT_TRUE(glbtest::ReadGlb(testsupport::ReadFileBytes(file), glb, error)) << error;
+    for (const nlohmann::json& material : glb.json["materials"]) {
+      EXPECT_EQ(material.value("alphaMode", ""), file.ends_with("wisp.glb") ? "BLEND" : "") << file;
+    }
+  }
 }
 
 TEST_F(GltfTools, BlenderImportsTheGlbWithTheSameBoneHeadsVerticesAndUvsAsTheFbx) {

@@ -14,7 +14,7 @@ namespace {
 
 void PutBytes(std::string& out, const void* data, size_t size) { out.append(static_cast<const char*>(data), size); }
 
-std::string Catalogue(bool secondUv) {
+std::string Catalogue(bool secondUv, bool semiTransparent) {
   CatalogueXml c;
   InputLayoutXml layout{"Skinned",
                         {{"Float3", "Position", "0", "0"},
@@ -24,8 +24,9 @@ std::string Catalogue(bool secondUv) {
                          {"Ubyte4n", "BlendWeight", "0", "0"}}};
   if (secondUv) layout.entries.push_back({"Float2", "Texcoord", "0", "2"});
   c.layouts.push_back(layout);
-  c.definitions.push_back(
-      {"SkinnedMaterial", {}, std::vector<DrawStyleXml>{{"normal", "Skinned"}}, std::vector<std::string>{"Skinned"}});
+  std::vector<std::string> flags = {"Skinned"};
+  if (semiTransparent) flags.push_back("SemiTransparent");
+  c.definitions.push_back({"SkinnedMaterial", {}, std::vector<DrawStyleXml>{{"normal", "Skinned"}}, flags});
   return BuildCatalogue(c);
 }
 
@@ -92,7 +93,7 @@ GridVertex SkinnedActorVertex(const SkinnedActorDesc& desc, u32 mesh, u32 vertex
 
 SkinnedActor BuildSkinnedActor(const SkinnedActorDesc& desc) {
   SkinnedActor actor;
-  actor.catalogue = Catalogue(desc.secondUv);
+  actor.catalogue = Catalogue(desc.secondUv, desc.semiTransparent);
   const u32 rows = desc.gridRows ? desc.gridRows : desc.gridSize;
   const u32 vertexCount = desc.gridSize * rows;
   const u32 bytesPerIndex = vertexCount > 0x10000 ? 4 : 2;

@@ -28,6 +28,7 @@ struct SkinnedActorDesc {
   // grid by a fixed pseudo-random amount, and one to four influences a vertex over nearby bones
   // (SkinnedActorVertex doesn't describe such a mesh).
   bool varied = false;
+  bool semiTransparent = false;  // the definition has the flag SemiTransparent too
 };
 
 struct SkinnedActor {

@@ -280,6 +280,10 @@ bool WriteMaterial(FbxRecord& objects, const FbxSurfacePhong& phong) {
   if (phong.DiffuseFactor.IsModified() && !AddDoubleRow(*p, "DiffuseFactor", "Number", "", "A", {factor})) {
     return false;
   }
+  if (phong.TransparencyFactor.IsModified() &&
+      !AddDoubleRow(*p, "TransparencyFactor", "Number", "", "A", {phong.TransparencyFactor.Get()})) {
+    return false;
+  }
   // Older readers take the colours from these rows, each a colour times its factor; all but the
   // diffuse one hold the template's defaults.
   return AddDoubleRow(*p, "Emissive", "Vector3D", "Vector", "", {0, 0, 0}) &&
@@ -428,6 +432,14 @@ bool Connect(FbxRecord& connections, const FbxObject* child, i64 parentId) {
   return link && link->AddString("OO") && link->AddInt64(child->GetUniqueID()) && link->AddInt64(parentId);
 }
 
+// `texture` onto the property `property` of the object `parentId`; nothing for no texture.
+bool ConnectProperty(FbxRecord& connections, const FbxFileTexture* texture, i64 parentId, const char* property) {
+  if (!texture) return true;
+  FbxRecord* link = connections.AddChild("C");
+  return link && link->AddString("OP") && link->AddInt64(texture->GetUniqueID()) && link->AddInt64(parentId) &&
+         link->AddString(property);
+}
+
 // The links that end at `object`, in the order its lists keep them.
 bool ConnectInto(FbxRecord& connections, const FbxObject& object) {
   const i64 id = object.GetUniqueID();
@@ -463,10 +475,9 @@ bool ConnectInto(FbxRecord& connections, const FbxObject& object) {
     }
     case FbxObjectKind::SurfacePhong: {
       // A texture goes onto the property it stands for, not onto the material as a whole.
-      const FbxFileTexture* texture = static_cast<const FbxSurfacePhong&>(object).GetDiffuseTexture();
-      FbxRecord* link = texture ? connections.AddChild("C") : nullptr;
-      return !texture || (link && link->AddString("OP") && link->AddInt64(texture->GetUniqueID()) &&
-                          link->AddInt64(id) && link->AddString("DiffuseColor"));
+      const auto& phong = static_cast<const FbxSurfacePhong&>(object);
+      return ConnectProperty(connections, phong.GetDiffuseTexture(), id, "DiffuseColor") &&
+             ConnectProperty(connections, phong.GetTransparentTexture(), id, "TransparentColor");
     }
     case FbxObjectKind::Texture: {
       const FbxVideo* video = static_cast<const FbxFileTexture&>(object).GetVideo();
