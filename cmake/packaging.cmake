@@ -1,5 +1,5 @@
-# Installing and the Debian package: both programs in bin/, the desktop entry and its icon in share/,
-# and the copyright and changelog that every Debian package carries.
+# Installing and the Debian package: both programs in bin/ with their manual pages, the desktop
+# entry and its icon in share/, and the copyright and changelog that every Debian package carries.
 include(GNUInstallDirs)
 
 set(TARNWICK_MAINTAINER "Tarnwick Developers <tarnwick@users.noreply.github.com>"
@@ -27,6 +27,7 @@ execute_process(COMMAND gzip -9nc ${CMAKE_BINARY_DIR}/packaging/changelog
                 OUTPUT_FILE ${CMAKE_BINARY_DIR}/packaging/changelog.gz COMMAND_ERROR_IS_FATAL ANY)
 
 install(TARGETS tarnwick tarnwick-cli RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
+include(${CMAKE_CURRENT_LIST_DIR}/man_pages.cmake)
 install(FILES ${PROJECT_SOURCE_DIR}/packaging/tarnwick.desktop DESTINATION ${CMAKE_INSTALL_DATADIR}/applications)
 install(FILES ${PROJECT_SOURCE_DIR}/packaging/tarnwick.svg
         DESTINATION ${CMAKE_INSTALL_DATADIR}/icons/hicolor/scalable/apps)
