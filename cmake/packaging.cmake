@@ -1,6 +1,6 @@
 # Installing and the Debian package: both programs in bin/ with their manual pages, the desktop
-# entry and its icon, the shell completion of tarnwick-cli, and the copyright and changelog that
-# every Debian package carries.
+# entry, its icon and its AppStream metadata, the shell completion of tarnwick-cli, and the
+# copyright and changelog that every Debian package carries.
 include(GNUInstallDirs)
 
 set(TARNWICK_MAINTAINER "Tarnwick Developers <tarnwick@users.noreply.github.com>"
@@ -32,6 +32,8 @@ include(${CMAKE_CURRENT_LIST_DIR}/man_pages.cmake)
 install(FILES ${PROJECT_SOURCE_DIR}/packaging/tarnwick.desktop DESTINATION ${CMAKE_INSTALL_DATADIR}/applications)
 install(FILES ${PROJECT_SOURCE_DIR}/packaging/tarnwick.svg
         DESTINATION ${CMAKE_INSTALL_DATADIR}/icons/hicolor/scalable/apps)
+install(FILES ${PROJECT_SOURCE_DIR}/packaging/io.github.tarnwick.Tarnwick.metainfo.xml
+        DESTINATION ${CMAKE_INSTALL_DATADIR}/metainfo)
 install(FILES ${PROJECT_SOURCE_DIR}/packaging/tarnwick-cli.bash-completion
         DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions RENAME tarnwick-cli)
 install(FILES ${PROJECT_SOURCE_DIR}/packaging/copyright ${CMAKE_BINARY_DIR}/packaging/changelog.gz
