@@ -15,12 +15,15 @@ namespace {
 
 void PrintUsage(std::FILE* stream) {
   std::fputs(
-      "usage: tarnwick [--data-dir DIR] [--prefix DIR]... [--game-dir DIR]\n"
+      "Usage: tarnwick [--data-dir DIR] [--prefix DIR]... [--game-dir DIR]\n"
+      "\n"
+      "Options:\n"
       "  --data-dir DIR  the per-user data folder that holds the games' digest files\n"
       "                  (default: $XDG_DATA_HOME, else ~/.local/share)\n"
       "  --prefix DIR    a Wine prefix to look in for digests first (again for more)\n"
       "  --game-dir DIR  an installation folder to open, without looking for digests\n"
-      "  --version       the version\n",
+      "  --version       the version\n"
+      "  --help          this text\n",
       stream);
 }
 
