@@ -1,39 +1,22 @@
 #include "app/batch_convert.h"
 
-#include <strings.h>
-
 #include <mutex>
 #include <unordered_map>
 
+#include "app/output_names.h"
+#include "app/rig_by_name.h"
 #include "platform/folders.h"
 #include "platform/parallel_for.h"
 
 namespace {
 
-// Answers the rig question by the set the settings name; otherwise notes the choices and refuses,
-// and the save answer then refuses too, so nothing is written without the rig the user meant.
-class BatchQuestions final : public IRigDialog, public ISaveDialog {
+// Answers the rig question by the set the settings name; otherwise the conversion stops with the
+// choices noted, so nothing is written without the rig the user meant.
+class BatchQuestions final : public ISaveDialog {
  public:
-  BatchQuestions(const BatchSettings& batch, const BatchActor& one) : settings(batch), actor(one) {}
-
-  i32 Run(const RigCandidate* candidates, const RigSkeleton*& selected) override {
-    for (const RigCandidate* c = candidates; c; c = c->next) {
-      if (!settings.rig.empty() && c->name && strcasecmp(c->name, settings.rig.c_str()) == 0) {
-        selected = c->rig;
-        return 1;
-      }
-    }
-    choices = "several rigs fit (";
-    for (const RigCandidate* c = candidates; c; c = c->next) {
-      choices += c->name ? c->name : "(no name)";
-      if (c->next) choices += ", ";
-    }
-    choices += "); " + settings.rigHint;
-    return 0;
-  }
+  BatchQuestions(const BatchSettings& batch, const BatchActor& one) : rig(batch.rig), settings(batch), actor(one) {}
 
   bool AskSavePath(CStringBufferA& out) override {
-    if (!choices.empty()) return false;
     const std::string path = settings.outDir + "/" + actor.output;
     const size_t folder = path.rfind('/');
     // The folder is made only for an actor that got this far: a failed read leaves none behind.
@@ -44,9 +27,9 @@ class BatchQuestions final : public IRigDialog, public ISaveDialog {
     return out.Format("%s", path.c_str()) > 0;
   }
 
+  RigByName rig;
   const BatchSettings& settings;
   const BatchActor& actor;
-  std::string choices;  // the skip's reason, when the rig question went unanswered
   bool folderFailed = false;
 };
 
@@ -85,6 +68,33 @@ void Count(BatchSummary& summary, BatchState state) {
 
 }  // namespace
 
+std::vector<BatchActor> BatchOf(const std::vector<ListedActor>& actors) {
+  std::vector<BatchActor> batch;
+  batch.reserve(actors.size());
+  for (const ListedActor& actor : actors) batch.push_back({actor.entry, actor.name, {}});
+  return batch;
+}
+
+void NameOutputs(std::vector<BatchActor>& actors, const char* extension) {
+  std::vector<std::string> names;
+  names.reserve(actors.size());
+  for (const BatchActor& actor : actors) names.push_back(actor.name);
+  const std::vector<std::string> outputs = OutputNames(names, extension);
+  for (size_t i = 0; i < actors.size(); ++i) actors[i].output = outputs[i];
+}
+
+BatchSettings BatchSettingsFor(const std::string& outDir, u32 jobs, ExportFormat format, bool textures,
+                               TextureStore& store) {
+  BatchSettings settings;
+  settings.outDir = outDir;
+  settings.jobs = jobs;
+  settings.convert.batch = true;
+  settings.convert.textures = textures;
+  settings.convert.textureStore = &store;
+  settings.convert.format = format;
+  return settings;
+}
+
 BatchSummary RunBatch(const GameTables& game, const std::vector<BatchActor>& actors, const BatchSettings& settings,
                       IBatchObserver* observer, const std::atomic<bool>& stop, std::vector<BatchActorResult>& results) {
   results.assign(actors.size(), BatchActorResult{});
@@ -98,14 +108,15 @@ BatchSummary RunBatch(const GameTables& game, const std::vector<BatchActor>& act
     BatchActorResult& result = results[index];
     BatchQuestions questions(settings, actor);
     ConvertOutcome outcome;
-    ConvertActor(game, *actor.entry, actor.name.c_str(), {questions, questions}, outcome, settings.convert);
+    ConvertActor(game, *actor.entry, actor.name.c_str(), {questions, questions.rig}, outcome, settings.convert);
     result.result = outcome.result;
     result.notes = std::move(outcome.notes);
     if (outcome.Written()) {
       result.state = BatchState::kWritten;
-    } else if (!questions.choices.empty()) {
+    } else if (questions.rig.StopsConversion()) {
       result.state = BatchState::kSkipped;
-      result.line = questions.choices;
+      result.line = "several rigs fit (" + questions.rig.ChoiceList() + ")";
+      if (!settings.rigHint.empty()) result.line += "; " + settings.rigHint;
     } else {
       result.state = BatchState::kFailed;
       result.line = questions.folderFailed ? "Failed to make the folder of \"" + actor.output + "\"."

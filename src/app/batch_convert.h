@@ -4,6 +4,7 @@
 #include <string>
 #include <vector>
 
+#include "app/actor_list.h"
 #include "app/convert_actor.h"
 
 // One actor of a batch: its list entry and name, and the file it goes to, relative to the output
@@ -24,11 +25,16 @@ struct BatchActorResult {
   std::vector<std::string> notes;  // what a written file had to leave out (textures)
 };
 
+// `actors` as a batch's, their outputs not yet named.
+std::vector<BatchActor> BatchOf(const std::vector<ListedActor>& actors);
+// Names each actor's output after its name, with `extension` (".fbx", ".glb"), by OutputNames.
+void NameOutputs(std::vector<BatchActor>& actors, const char* extension);
+
 struct BatchSettings {
   std::string outDir;  // the folder the outputs go below; made as needed
   u32 jobs = 1;        // conversions at once
   std::string rig;     // the animation set that answers every rig question; empty: none does
-  std::string rigHint = "choose one with --rig NAME";  // ends the reason of a skip
+  std::string rigHint = {};  // how to choose, in the front end's words: ends the reason of a skip
   ConvertOptions convert;
 };
 
@@ -38,6 +44,11 @@ struct BatchSummary {
   u32 skipped = 0;
   u32 notStarted = 0;  // left when the batch was stopped
 };
+
+// The settings of a batch that writes below `outDir` in `format`, `jobs` at a time, with the
+// textures when `textures` (each decoded once, through `store`), and answers no rig question.
+BatchSettings BatchSettingsFor(const std::string& outDir, u32 jobs, ExportFormat format, bool textures,
+                               TextureStore& store);
 
 // Told of each actor as it ends, on the thread that converted it, one call at a time.
 class IBatchObserver {

@@ -1,9 +1,9 @@
 #include "app/batch_worker.h"
 
+#include "app/actor_list.h"
 #include "app/convert.h"
 #include "app/file_list.h"
 #include "app/log.h"
-#include "app/output_names.h"
 #include "app/worker.h"
 #include "assets/normalize_path.h"
 #include "platform/parallel_for.h"
@@ -36,38 +36,24 @@ void OnConvertButton(AppState& app, ISaveDialog& save, IRigDialog& rig, IFolderD
   if (!Idle(app) || !app.ready) return;
   const std::vector<i32> selected = app.window->GetSelectedItems(kFileList);
   if (selected.size() < 2) return Convert(app, save, rig, options);
-  std::vector<BatchActor> actors;
-  std::vector<std::string> names;
-  for (i32 index : selected) {
-    const std::intptr_t data = app.window->GetItemData(kFileList, index);
-    const i32 length = app.window->GetTextLength(kFileList, index);
-    if (data == kListError || data == 0 || length < 0) continue;
-    std::string name(size_t(length), '\0');
-    if (app.window->GetText(kFileList, index, name.data()) < 0) continue;
-    actors.push_back({reinterpret_cast<const PackEntry*>(data), name, {}});
-    names.push_back(std::move(name));
-  }
   TStringBufferA<1024> path;
-  if (actors.empty() || !folder.AskFolder(path)) return;
-  const std::vector<std::string> outputs = OutputNames(names, ".fbx");
-  for (size_t i = 0; i < actors.size(); ++i) actors[i].output = outputs[i];
+  std::vector<BatchActor> actors = BatchOf(ListedActors(app, selected));
+  ExportFormat format = ExportFormat::kFbx;
+  if (actors.empty() || !folder.AskOutputFolder(path, format)) return;
+  NameOutputs(actors, format == ExportFormat::kGlb ? ".glb" : ".fbx");
   app.batchStop = false;
-  (void)StartBatchWorker(app, std::move(actors), path.Text(), options.textures);
+  (void)StartBatchWorker(app, std::move(actors), path.Text(), format, options.textures);
 }
 
 void OnCancelButton(AppState& app) { app.batchStop = true; }
 
-void ConvertBatch(AppState& app, const std::vector<BatchActor>& actors, const std::string& outDir, bool textures) {
+void ConvertBatch(AppState& app, const std::vector<BatchActor>& actors, const std::string& outDir, ExportFormat format,
+                  bool textures) {
   app.window->Show(kCancelButton, true);
   app.window->SetProgress(kProgressBar, 0, u32(actors.size()));
-  BatchSettings settings;
-  settings.outDir = outDir;
-  settings.jobs = ProcessorCount();
-  settings.rigHint = "convert it alone to choose";
-  settings.convert.batch = true;
   TextureStore store(false);
-  settings.convert.textures = textures;
-  settings.convert.textureStore = &store;
+  BatchSettings settings = BatchSettingsFor(outDir, ProcessorCount(), format, textures, store);
+  settings.rigHint = "convert it alone to choose";
   WindowProgress progress(app, u32(actors.size()));
   std::vector<BatchActorResult> results;
   const BatchSummary summary = RunBatch(GameTables{app.packIndex, app.materials, app.rigs}, actors, settings,

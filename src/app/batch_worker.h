@@ -8,16 +8,17 @@
 #include "app/convert_questions.h"
 
 // The window's Convert button. With one actor selected (or none) it is Convert, exactly. With
-// several it asks `folder` for a folder and converts them below it on the convert worker, the
-// progress bar counting them and Cancel stopping them.
-// `options` as Convert takes them.
+// several it asks `folder` for a folder and a format and converts them below it on the convert
+// worker, the progress bar counting them and Cancel stopping them.
+// `options` as Convert takes them; a batch takes their textures.
 void OnConvertButton(AppState& app, ISaveDialog& save, IRigDialog& rig, IFolderDialog& folder,
                      const ConvertOptions& options = {});
 
 // Stops the running batch: the conversions under way end whole, no other starts.
 void OnCancelButton(AppState& app);
 
-// Convert worker: converts `actors` below `outDir` on every processor, logs a line for each actor
-// that fails or is skipped and one summary line at the end.
-// With `textures`, each actor's textures go beside its file, each decoded once for the batch.
-void ConvertBatch(AppState& app, const std::vector<BatchActor>& actors, const std::string& outDir, bool textures);
+// Convert worker: converts `actors` below `outDir` in `format` on every processor, logs a line for
+// each actor that fails or is skipped and one summary line at the end.
+// With `textures`, each actor's textures go with its file, each decoded once for the batch.
+void ConvertBatch(AppState& app, const std::vector<BatchActor>& actors, const std::string& outDir, ExportFormat format,
+                  bool textures);

@@ -10,6 +10,10 @@ void Convert(AppState& app, ISaveDialog& save, IRigDialog& rigDialog, const Conv
   if (!GetSelectedName(app, actorName)) return;
   ConvertOutcome outcome;
   ConvertActor(GameTables{app.packIndex, app.materials, app.rigs}, *entry, actorName.Text(), {save, rigDialog}, outcome, options);
+  LogOutcome(app, outcome);
+}
+
+void LogOutcome(AppState& app, const ConvertOutcome& outcome) {
   for (const std::string& note : outcome.notes) Log(app, "%s", note.c_str());
   if (outcome.logLine.Length()) Log(app, "%s", outcome.logLine.Text());
 }

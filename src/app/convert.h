@@ -8,3 +8,6 @@
 // failure leaves one log line and no file; nothing selected, or no game, does nothing at all.
 // `options` turns on what goes beyond the model itself (textures).
 void Convert(AppState& app, ISaveDialog& save, IRigDialog& rigDialog, const ConvertOptions& options = {});
+
+// Logs what a conversion has to say: a line for each texture it left out, then its failure's line.
+void LogOutcome(AppState& app, const ConvertOutcome& outcome);

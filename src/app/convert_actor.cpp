@@ -103,6 +103,10 @@ bool BuildActorScene(ExportScene& scene, const GameTables& game, const char* act
                      ConvertOutcome& outcome) {
   outcome.logLine.Clear(false);
   const RigSkeleton* rig = model.bones.Count() ? PickRig(actor, model, game.rigs, rigDialog) : nullptr;
+  if (rigDialog.StopsConversion()) {
+    outcome.result = ConvertResult::kCancelled;
+    return false;
+  }
   const SceneBuildResult built = BuildExportScene(scene, actorName, model, materials, game.materials, rig);
   FailBuild(outcome, built);
   return built == SceneBuildResult::kBuilt;

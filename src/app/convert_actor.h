@@ -87,8 +87,9 @@ void ExportActor(const GameTables& game, const char* actorName, const ActorDefin
                  const ConvertOptions& options = {});
 
 // The scene of ExportActor before the path is asked: the rig (asking `rigDialog` where several fit)
-// and every mesh decoded. False, with the outcome's failure, at the first step that fails. For
-// callers that write the scene their own way.
+// and every mesh decoded. False, with the outcome's failure, at the first step that fails, or
+// cancelled when the rig question stops the conversion. For callers that write the scene their own
+// way.
 [[nodiscard]] bool BuildActorScene(ExportScene& scene, const GameTables& game, const char* actorName,
                                    const ActorDefinition& actor, const ModelFile& model, const ModelMaterials& materials,
                                    IRigDialog& rigDialog, ConvertOutcome& outcome);

@@ -29,12 +29,20 @@ class IRigDialog {
   // Shows the candidates of the list that starts at `candidates` and gives 1 with the chosen
   // candidate's rig in `selected` when the user presses OK on a selection, or 0 on Cancel.
   virtual i32 Run(const RigCandidate* candidates, const RigSkeleton*& selected) = 0;
+  // After Run: the conversion ends here, before anything is decoded, with nothing logged. A
+  // dialog's Cancel only means no rig.
+  virtual bool StopsConversion() const { return false; }
 };
 
-// The folder that a conversion of several actors writes below.
+enum class ExportFormat : u8;
+
+// The folder that a conversion of several actors writes below, or a game folder to open.
 class IFolderDialog {
  public:
   virtual ~IFolderDialog() = default;
   // Fills `path` and gives true, or gives false when the user cancels.
   virtual bool AskFolder(CStringBufferA& path) = 0;
+  // The same for the files of a conversion, with the format they are written in; FBX where the
+  // dialog offers no choice.
+  virtual bool AskOutputFolder(CStringBufferA& path, ExportFormat& /*format*/) { return AskFolder(path); }
 };

@@ -67,9 +67,11 @@ void SearchRequest(AppState& app) {
   }
   Log(app, "Search = %s", text.Text());
   TStringBufferA<132> pattern;
-  (void)pattern.Format("*%s*", text.Text());
+  (void)SearchPattern(text.Text(), pattern);
   StartWorker(app, WorkerKind::Search, 0, pattern.Text());
 }
+
+bool SearchPattern(const char* text, CStringBufferA& pattern) { return pattern.Format("*%s*", text) > 0; }
 
 void ListWalk(AppState& app) {
   WalkContext walk(app);

@@ -2,6 +2,10 @@
 
 #include "app/app_state.h"
 
+// The search box's pattern for `text`: every name that holds it, "*text*". False when it doesn't
+// fit `pattern`.
+bool SearchPattern(const char* text, CStringBufferA& pattern);
+
 // Main thread: the search text to the list. Empty: the whole list again, without a log line;
 // otherwise "*text*" as a wildcard pattern over the names, after logging the text.
 void SearchRequest(AppState& app);

@@ -1,7 +1,7 @@
 #include "app/rig_choice.h"
 
 #include "core/hash.h"
-#include "fbx/convert_state.h"
+#include "export/build_export_scene.h"
 #include "gamedata/xml_attributes.h"
 
 const RigSkeleton* PickRig(const ActorDefinition& actor, const ModelFile& model, const RigTable& rigs,

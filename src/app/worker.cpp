@@ -18,6 +18,7 @@ struct Task {
   std::vector<BatchActor> actors;  // of a batch conversion
   std::string outDir;
   bool textures = false;
+  ExportFormat format = ExportFormat::kFbx;
 };
 
 void Frame(AppState& app, const Task& task) {
@@ -29,7 +30,7 @@ void Frame(AppState& app, const Task& task) {
     case WorkerKind::Load: LoadGame(app, task.row); break;
     case WorkerKind::List: ListWalk(app); break;
     case WorkerKind::Search: SearchWalk(app, task.filter.Text()); break;
-    case WorkerKind::Convert: ConvertBatch(app, task.actors, task.outDir, task.textures); break;
+    case WorkerKind::Convert: ConvertBatch(app, task.actors, task.outDir, task.format, task.textures); break;
   }
   for (i32 id : kFrameControls) window.Enable(id, true);
   window.Show(kProgressBar, false);
@@ -82,13 +83,15 @@ bool StartWorker(AppState& app, WorkerKind kind, u32 row, const char* filter) {
   return Launch(app, std::move(task), kind == WorkerKind::Load ? "Initializing game data" : "Listing files...");
 }
 
-bool StartBatchWorker(AppState& app, std::vector<BatchActor> actors, std::string outDir, bool textures) {
+bool StartBatchWorker(AppState& app, std::vector<BatchActor> actors, std::string outDir, ExportFormat format,
+                      bool textures) {
   TOwned<Task> task = Claim(app);
   if (!task) return false;
   task->kind = WorkerKind::Convert;
   task->actors = std::move(actors);
   task->outDir = std::move(outDir);
   task->textures = textures;
+  task->format = format;
   return Launch(app, std::move(task), "Converting...");
 }
 

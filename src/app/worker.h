@@ -11,9 +11,10 @@ enum class WorkerKind { Load, List, Search, Convert };
 // controls is refused here.
 bool StartWorker(AppState& app, WorkerKind kind, u32 row, const char* filter);
 
-// Starts the convert worker on `actors`, written below `outDir` (with their textures when
-// `textures`); false as StartWorker.
-bool StartBatchWorker(AppState& app, std::vector<BatchActor> actors, std::string outDir, bool textures);
+// Starts the convert worker on `actors`, written below `outDir` in `format` (with their textures
+// when `textures`); false as StartWorker.
+bool StartBatchWorker(AppState& app, std::vector<BatchActor> actors, std::string outDir, ExportFormat format,
+                      bool textures);
 
 // Main thread: serves the worker's window calls until it has ended.
 void WaitForWorker(AppState& app);

@@ -4,7 +4,6 @@
 #include <atomic>
 #include <cstdio>
 
-#include "app/output_names.h"
 #include "assets/wildcard_match.h"
 #include "cli/batch_progress.h"
 #include "cli/cli_session.h"
@@ -31,27 +30,21 @@ void CatchInterrupt() {
 
 // The listed actors that any pattern matches, each once, in the list's order. A pattern that
 // matches nothing is reported.
-std::vector<BatchActor> Select(const ListEntries& items, const std::vector<std::string>& patterns,
-                               const char* extension) {
-  std::vector<bool> chosen(items.size(), false);
+std::vector<ListedActor> Select(const std::vector<ListedActor>& listed, const std::vector<std::string>& patterns) {
+  std::vector<bool> chosen(listed.size(), false);
   for (const std::string& pattern : patterns) {
     bool any = false;
-    for (size_t i = 0; i < items.size(); ++i) {
-      if (!WildcardMatch(items[i].text.c_str(), pattern.c_str())) continue;
+    for (size_t i = 0; i < listed.size(); ++i) {
+      if (!WildcardMatch(listed[i].name.c_str(), pattern.c_str())) continue;
       chosen[i] = true;
       any = true;
     }
     if (!any) std::fprintf(stderr, "tarnwick-cli: no actor matches \"%s\"\n", pattern.c_str());
   }
-  std::vector<BatchActor> actors;
-  std::vector<std::string> names;
-  for (size_t i = 0; i < items.size(); ++i) {
-    if (!chosen[i]) continue;
-    actors.push_back({reinterpret_cast<const PackEntry*>(items[i].data), items[i].text, {}});
-    names.push_back(items[i].text);
+  std::vector<ListedActor> actors;
+  for (size_t i = 0; i < listed.size(); ++i) {
+    if (chosen[i]) actors.push_back(listed[i]);
   }
-  const std::vector<std::string> outputs = OutputNames(names, extension);
-  for (size_t i = 0; i < actors.size(); ++i) actors[i].output = outputs[i];
   return actors;
 }
 
@@ -61,33 +54,29 @@ std::vector<BatchActor> Select(const ListEntries& items, const std::vector<std::
 int RunBatchConvert(const CliOptions& options) {
   if (options.arguments.empty()) {
     std::fprintf(stderr, "tarnwick-cli: convert --out-dir needs at least one actor or pattern ('*' for all)\n");
-    return 2;
+    return kExitNothingStarted;
   }
   if (!options.output.empty()) {
     std::fprintf(stderr, "tarnwick-cli: -o names one file; with --out-dir every actor gets its own\n");
-    return 2;
+    return kExitNothingStarted;
   }
   if (!MakeFolders(options.outDir.c_str())) {
     std::fprintf(stderr, "tarnwick-cli: can't make the folder %s\n", options.outDir.c_str());
-    return 2;
+    return kExitNothingStarted;
   }
   CliSession session;
-  if (!session.Open(options, true)) return 2;
-  const ExportFormat format = CliFormat(options, ExportFormat::kFbx);
-  const std::vector<BatchActor> actors = Select(session.Window().Snapshot(kFileList).items, options.arguments,
-                                                format == ExportFormat::kGlb ? ".glb" : ".fbx");
-  if (actors.empty()) return 2;
-
+  if (!session.Open(options)) return kExitNothingStarted;
   AppState& app = session.App();
-  BatchSettings settings;
-  settings.outDir = options.outDir;
-  settings.jobs = options.jobs ? options.jobs : ProcessorCount();
-  settings.rig = options.rig;
-  settings.convert.batch = true;
+  const ExportFormat format = CliFormat(options, ExportFormat::kFbx);
+  std::vector<BatchActor> actors = BatchOf(Select(ListedActors(app), options.arguments));
+  if (actors.empty()) return kExitNothingStarted;
+  NameOutputs(actors, format == ExportFormat::kGlb ? ".glb" : ".fbx");
+
   TextureStore textures(false);
-  settings.convert.textures = options.textures;
-  settings.convert.format = format;
-  settings.convert.textureStore = &textures;
+  BatchSettings settings = BatchSettingsFor(options.outDir, options.jobs ? options.jobs : ProcessorCount(), format,
+                                            options.textures, textures);
+  settings.rig = options.rig;
+  settings.rigHint = "choose one with --rig NAME";
   CatchInterrupt();
   BatchProgress progress(stdout, isatty(STDOUT_FILENO) != 0, u32(actors.size()));
   std::vector<BatchActorResult> results;
@@ -95,5 +84,5 @@ int RunBatchConvert(const CliOptions& options) {
       RunBatch(GameTables{app.packIndex, app.materials, app.rigs}, actors, settings, &progress, stopRequested, results);
   progress.Finish();
   PrintBatchSummary(stdout, actors, results, summary, progress.ElapsedSeconds(), stopRequested);
-  return summary.written == actors.size() ? 0 : 1;
+  return summary.written == actors.size() ? kExitDone : kExitSomeFailed;
 }

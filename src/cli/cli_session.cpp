@@ -13,28 +13,26 @@ CliSession::~CliSession() { WaitForWorker(app); }
 
 void CliSession::Wait() { WaitForWorker(app); }
 
-bool CliSession::Open(const CliOptions& options, bool load) {
+bool CliSession::Open(const CliOptions& options) {
   i32 row = -1;
   for (u32 i = 0; i < kGameCount; ++i) {
     if (!options.game.empty() && strcasecmp(options.game.c_str(), kGameNames[i]) == 0) row = i32(i);
   }
-  if (!options.game.empty() && row < 0) {
+  if (!options.game.empty() && row < 0 && options.gameDir.empty()) {
     std::fprintf(stderr, "tarnwick-cli: no known game is called \"%s\"\n", options.game.c_str());
     return false;
   }
-  if (!options.gameDir.empty()) {
-    // An installation given by hand stands in for discovery.
-    if (row < 0) row = 0;
-    app.window = &window;
-    NormalizePath(options.gameDir.c_str(), app.games[row].folder);
-    if (load) SelectGame(app, u32(row));
-  } else {
-    InitMainDialog(app, window, UserGameSearch(options.dataDir.empty() ? nullptr : options.dataDir.c_str(), options.prefixes));
-    Wait();
-    if (!app.window || window.GetCount(kGameCombo) == 0) {
-      std::fprintf(stderr, "tarnwick-cli: no installed game was found\n");
-      return false;
-    }
+  // An installation given by hand opens as "Open folder..." opens it, in place of discovery.
+  GameSearch search = UserGameSearch(options.dataDir.empty() ? nullptr : options.dataDir.c_str(), options.prefixes);
+  if (!options.gameDir.empty()) search.gameDir = options.gameDir.c_str();
+  InitMainDialog(app, window, search);
+  Wait();
+  if (!app.window || window.GetCount(kGameCombo) == 0) {
+    // A folder that holds no game has said so in the log.
+    if (options.gameDir.empty()) std::fprintf(stderr, "tarnwick-cli: no installed game was found\n");
+    return false;
+  }
+  if (options.gameDir.empty()) {
     if (row >= 0 && row != app.currentGame) {
       const i32 items = window.GetCount(kGameCombo);
       i32 item = 0;
@@ -44,11 +42,11 @@ bool CliSession::Open(const CliOptions& options, bool load) {
         return false;
       }
       window.SetCurSel(kGameCombo, item);
-      if (load) OnGameButton(app);
+      OnGameButton(app);
     }
   }
   Wait();
-  if (load && !app.ready) {
+  if (!app.ready) {
     std::fprintf(stderr, "tarnwick-cli: the game could not be loaded\n");
     return false;
   }

@@ -28,9 +28,9 @@ class CliSession {
  public:
   CliSession();
   ~CliSession();
-  // Finds the games (or takes --game-dir) and loads the chosen one. False, after a message, when
-  // there is no game to load or it failed.
-  bool Open(const CliOptions& options, bool load);
+  // Finds the games (or opens --game-dir) and loads the chosen one. False, after a message, when
+  // there is no game to load or it failed: nothing could start, exit status kExitNothingStarted.
+  bool Open(const CliOptions& options);
   AppState& App() { return app; }
   HeadlessWindowSystem& Window() { return window; }
   // Waits for the running worker, serving its window calls.
@@ -40,6 +40,11 @@ class CliSession {
   HeadlessWindowSystem window;
   AppState app;
 };
+
+// Every command's exit status.
+constexpr int kExitDone = 0;            // all that was asked for was done
+constexpr int kExitSomeFailed = 1;      // something failed or was skipped
+constexpr int kExitNothingStarted = 2;  // no game, a game that can't be opened, wrong usage
 
 int RunGames(const CliOptions& options);
 int RunList(const CliOptions& options);

@@ -1,6 +1,8 @@
 #include <cstdio>
 #include <string>
 
+#include "app/actor_list.h"
+#include "app/file_list.h"
 #include "assets/wildcard_match.h"
 #include "cli/cli_session.h"
 
@@ -8,10 +10,11 @@
 // matches anywhere in the name.
 int RunList(const CliOptions& options) {
   CliSession session;
-  if (!session.Open(options, true)) return 1;
-  const std::string pattern = "*" + options.argument + "*";
-  for (const auto& item : session.Window().Snapshot(kFileList).items) {
-    if (options.argument.empty() || WildcardMatch(item.text.c_str(), pattern.c_str())) std::printf("%s\n", item.text.c_str());
+  if (!session.Open(options)) return kExitNothingStarted;
+  TStringBufferA<260> pattern;
+  if (!SearchPattern(options.argument.c_str(), pattern)) return kExitNothingStarted;
+  for (const ListedActor& actor : ListedActors(session.App())) {
+    if (options.argument.empty() || WildcardMatch(actor.name.c_str(), pattern.Text())) std::printf("%s\n", actor.name.c_str());
   }
-  return 0;
+  return kExitDone;
 }

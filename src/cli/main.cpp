@@ -29,13 +29,15 @@ constexpr const char* kUsage =
     "Options:\n"
     "  --game NAME       the game to open (default: the first one found)\n"
     "  --data-dir DIR    the per-user folder that holds the digest files\n"
-    "  --game-dir DIR    an installation folder to open, without looking for digests\n"
+    "  --game-dir DIR    an installation folder to open, without looking for digests, as the\n"
+    "                    window's \"Open folder...\" opens it\n"
     "  --prefix DIR      a Wine prefix to look in for digests first (again for more)\n"
     "  --version         the version\n"
     "  --help            this text\n"
     "\n"
-    "Log lines go to standard error; the exit status is 0 on success, 1 when something failed\n"
-    "or was skipped, 2 when nothing could start.\n";
+    "Log lines go to standard error. Every command exits with 0 when all was done, 1 when\n"
+    "something failed or was skipped, 2 when nothing could start (no game found, a game that\n"
+    "can't be opened, wrong usage).\n";
 
 constexpr u32 kMaxJobs = 64;
 
@@ -64,10 +66,10 @@ int main(int argc, char** argv) {
     bool ok = true;
     if (arg == "--help" || arg == "-h") {
       std::fputs(kUsage, stdout);
-      return 0;
+      return kExitDone;
     } else if (arg == "--version") {
       std::printf("tarnwick-cli %s\n", TARNWICK_VERSION);
-      return 0;
+      return kExitDone;
     } else if (arg == "--prefix") {
       // A mistyped prefix would otherwise only be missing from where discovery says it looked.
       ok = take(options.prefixes.emplace_back()) && IsFolder(options.prefixes.back().c_str());
@@ -92,7 +94,7 @@ int main(int argc, char** argv) {
       ok = take(jobs) && ParseJobs(jobs, options.jobs);
     } else if (!arg.empty() && arg[0] == '-') {
       std::fprintf(stderr, "tarnwick-cli: unknown option %s\n\n%s", arg.c_str(), kUsage);
-      return 2;
+      return kExitNothingStarted;
     } else if (command.empty()) {
       command = arg;
     } else {
@@ -104,19 +106,19 @@ int main(int argc, char** argv) {
                    : arg == "--format" ? ": fbx or glb"
                    : arg == "--prefix" ? ": an existing folder"
                                        : "");
-      return 2;
+      return kExitNothingStarted;
     }
   }
   if (!options.arguments.empty()) options.argument = options.arguments[0];
   // Only a batch takes several words after its command.
   if (options.arguments.size() > 1 && !(command == "convert" && !options.outDir.empty())) {
     std::fprintf(stderr, "tarnwick-cli: unexpected %s\n", options.arguments[1].c_str());
-    return 2;
+    return kExitNothingStarted;
   }
   if (command == "games") return RunGames(options);
   if (command == "list") return RunList(options);
   if (command == "convert") return options.outDir.empty() ? RunConvert(options) : RunBatchConvert(options);
   std::fprintf(stderr, "%s%s", command.empty() ? "" : ("tarnwick-cli: unknown command " + command + "\n\n").c_str(),
                kUsage);
-  return 2;
+  return kExitNothingStarted;
 }

@@ -1,5 +1,6 @@
 #include "export/build_export_scene.h"
 
+#include <atomic>
 #include <cstring>
 
 #include "export/scene_mesh.h"
@@ -8,10 +9,14 @@
 
 namespace {
 
+std::atomic<u64> gDecodedMeshes{0};
+
 // Decodes `mesh` through the layout that its material's definition chooses.
 bool DecodeMesh(const MaterialDefinition* definition, const InputLayout* layout, const ModelMesh& mesh,
                 const ModelFile& model, ExportMesh& exportMesh) {
-  return layout && definition && Build(exportMesh, model, mesh, layout, definition->flags);
+  if (!layout || !definition) return false;
+  ++gDecodedMeshes;
+  return Build(exportMesh, model, mesh, layout, definition->flags);
 }
 
 // The image of `name` in the scene, added on first sight. False when memory is refused.
@@ -48,6 +53,8 @@ bool CollectImages(ExportScene& scene, const ModelMaterials& materials) {
 }
 
 }  // namespace
+
+u64 DecodedMeshCount() { return gDecodedMeshes; }
 
 bool FileStem(const char* text, CStringBufferA& out) {
   const char* start = text;

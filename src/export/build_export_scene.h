@@ -16,6 +16,10 @@ enum class SceneBuildResult { kBuilt, kSetupFailed, kRigFailed, kMeshFailed };
                                                 const ModelMaterials& materials,
                                                 const MaterialDefinitionSet& definitions, const RigSkeleton* rig);
 
+// How many meshes this process has decoded for export scenes, for the checks that a conversion
+// stopped early decodes none.
+u64 DecodedMeshCount();
+
 // The file name of `text` without folders (`/` or `\`) and without what follows its last `.`.
 // False, with `out` empty, when memory is refused.
 bool FileStem(const char* text, CStringBufferA& out);

@@ -184,6 +184,59 @@ TEST(Cli, BatchConvertSummarisesAndExitsByWhatWasWritten) {
   EXPECT_EQ(std::distance(std::filesystem::directory_iterator(dir.Join("all/actors")), {}), 10);
 }
 
+// Every command opens a game the one way and says by one meaning of its status how it went.
+TEST(Cli, EveryCommandOpensAGameFolderAsTheWindowDoesAndExitsByOneMeaning) {
+  testsupport::TempDir dir;
+  ASSERT_TRUE(testsupport::BuildSampleGame(dir.Path(), nullptr));
+  const testsupport::SampleGamePaths layout = testsupport::SampleGameLayout(dir.Path());
+  const std::string folder = "--game-dir '" + layout.game + "' ";
+  const CliRun games = Cli(folder + "games", false);
+  EXPECT_EQ(games.status, 0);
+  EXPECT_EQ(games.out, "game\t" + layout.game + "\n") << "listed under the folder's name";
+  EXPECT_EQ(Lines(Cli(folder + "games", true).out)[0], "Found game \"game\" at " + layout.game);
+
+  const std::string empty = dir.Join("empty");
+  std::filesystem::create_directories(empty);
+  const CliRun refused = Cli("--game-dir '" + empty + "' list", true);
+  EXPECT_EQ(refused.status, 2);
+  EXPECT_EQ(Lines(refused.out), std::vector<std::string>{"No game in " + empty +
+                                                         ": it holds no Resources/Assets/assets_000.pack"})
+      << "the window's line, and no game opened in its place";
+
+  const std::string out = dir.Join("out");
+  struct Case {
+    std::string opening;  // how the game is found
+    int status;
+  };
+  const Case openings[] = {
+      {folder, 0},
+      {"--data-dir '" + layout.userData + "' ", 0},
+      {"--game-dir '" + empty + "' ", 2},                      // a folder that holds no game
+      {"--data-dir '" + empty + "' ", 2},                      // no game found
+      {"--data-dir '" + layout.userData + "' --game Nowhere ", 2},  // no such game
+  };
+  const std::pair<std::string, int> commands[] = {
+      {"games", 0},
+      {"list", 0},
+      {"convert 'actors\\knight.adr' -o '" + dir.Join("knight.fbx") + "'", 0},
+      {"convert 'actors\\*' --out-dir '" + out + "' --rig Idle", 0},
+      {"convert 'actors\\scarecrow.adr' -o '" + dir.Join("scarecrow.fbx") + "'", 1},  // several rigs: skipped
+      {"convert 'actors\\scarecrow.adr' --out-dir '" + out + "'", 1},
+      {"convert 'actors\\nobody.adr' -o '" + dir.Join("nobody.fbx") + "'", 2},
+      {"convert 'nobody*' --out-dir '" + out + "'", 2},
+      {"list a b", 2},
+      {"unknown", 2},
+  };
+  for (const Case& opening : openings) {
+    for (const auto& [command, status] : commands) {
+      const bool usage = command == "list a b" || command == "unknown";
+      const int expected = usage ? 2 : opening.status ? opening.status : status;
+      EXPECT_EQ(Cli(opening.opening + command).status, expected) << opening.opening << command;
+    }
+  }
+  EXPECT_FALSE(std::filesystem::exists(dir.Join("scarecrow.fbx")));
+}
+
 TEST(Cli, FindsListsAndConvertsAGameInAProtonPrefixOrAPrefixGivenByHand) {
   testsupport::TempDir temp;
   ASSERT_TRUE(testsupport::BuildSampleGame(temp.Path(), nullptr));
@@ -216,7 +269,7 @@ TEST(Cli, FindsListsAndConvertsAGameInAProtonPrefixOrAPrefixGivenByHand) {
   // Without the Steam library in the home folder, the prefix is found when it is given.
   EXPECT_EQ(Cli(noData + "--prefix '" + proton + "' games").out, "Aldermoor\t" + game + "\n");
   const CliRun none = Cli(noData + "games", true);
-  EXPECT_EQ(none.status, 1);
+  EXPECT_EQ(none.status, 2);
   EXPECT_EQ(Lines(none.out),
             (std::vector<std::string>{
                 "No installed game was found.", "Looked for digest files below " + base + "/empty",

@@ -1,0 +1,32 @@
+#include "app/actor_list.h"
+
+#include <strings.h>
+
+std::vector<ListedActor> ListedActors(AppState& app, const std::vector<i32>& indices) {
+  std::vector<ListedActor> actors;
+  actors.reserve(indices.size());
+  for (i32 index : indices) {
+    const std::intptr_t data = app.window->GetItemData(kFileList, index);
+    const i32 length = app.window->GetTextLength(kFileList, index);
+    if (data == kListError || data == 0 || length < 0) continue;
+    std::string name(size_t(length), '\0');
+    if (app.window->GetText(kFileList, index, name.data()) < 0) continue;
+    // The list's item data is the entry it was given: the one place that turns it back.
+    actors.push_back({std::move(name), reinterpret_cast<const PackEntry*>(data)});
+  }
+  return actors;
+}
+
+std::vector<ListedActor> ListedActors(AppState& app) {
+  const i32 count = app.window->GetCount(kFileList);
+  std::vector<i32> all(size_t(count > 0 ? count : 0));
+  for (i32 i = 0; i < count; ++i) all[size_t(i)] = i;
+  return ListedActors(app, all);
+}
+
+const ListedActor* FindListedActor(const std::vector<ListedActor>& actors, const std::string& name) {
+  for (const ListedActor& actor : actors) {
+    if (strcasecmp(actor.name.c_str(), name.c_str()) == 0) return &actor;
+  }
+  return nullptr;
+}
