@@ -2,6 +2,9 @@
 
 #include <QCheckBox>
 #include <QCloseEvent>
+#include <QDragEnterEvent>
+#include <QDropEvent>
+#include <QShortcut>
 #include <QComboBox>
 #include <QKeyEvent>
 #include <QLabel>
@@ -12,6 +15,7 @@
 #include <QPushButton>
 #include <QScreen>
 #include <QWindow>
+#include <algorithm>
 #include <cmath>
 
 #include "app/batch_worker.h"
@@ -20,6 +24,7 @@
 #include "app/open_game_folder.h"
 #include "app/worker.h"
 #include "ui/dialog_units.h"
+#include "ui/dropped_game_folder.h"
 #include "ui/render_control.h"
 
 namespace {
@@ -59,7 +64,6 @@ MainWindow::MainWindow(AppState& state) : app(state) {
 
   searchEdit = new QLineEdit(this);
   Place(searchEdit, {6, 6, 144, 14});
-  searchEdit->installEventFilter(this);
   windowSystem.AddControl(kSearchEdit, searchEdit);
 
   auto* logModel = new ItemListModel(false, this);
@@ -131,10 +135,15 @@ MainWindow::MainWindow(AppState& state) : app(state) {
   QObject::connect(gameButton, &QPushButton::clicked, this, [this] { OnGameButton(app); });
   QObject::connect(openFolderButton, &QPushButton::clicked, this,
                    [this] { OnOpenFolderButton(app, gameFolderDialog); });
+  CreateShortcuts();
+  setAcceptDrops(true);
   FitToScreen();
 }
 
-void MainWindow::Place(QWidget* control, QRect units) { placed.push_back({control, units}); }
+void MainWindow::Place(QWidget* control, QRect units) {
+  placed.push_back({control, units});
+  control->installEventFilter(this);
+}
 
 QMargins MainWindow::FrameMargins() const {
   const QMargins frame = windowHandle() ? windowHandle()->frameMargins() : QMargins();
@@ -173,6 +182,58 @@ void MainWindow::showEvent(QShowEvent* event) {
   QWidget::showEvent(event);
 }
 
+void MainWindow::CreateShortcuts() {
+  // `action` runs for `keys` anywhere in the window; a tooltip on `shown` names the keys.
+  const auto add = [this](const QKeySequence& keys, QWidget* shown, const char* tip, auto action) {
+    auto* shortcut = new QShortcut(keys, this);
+    QObject::connect(shortcut, &QShortcut::activated, this, action);
+    if (shown) {
+      shown->setToolTip(QStringLiteral("%1 (%2)").arg(QString::fromUtf8(tip), keys.toString(QKeySequence::NativeText)));
+    }
+  };
+  // A button's key does what a click does, and nothing while the button can't be clicked.
+  const auto clickIfEnabled = [](QPushButton* button) {
+    return [button] {
+      if (button->isVisible() && button->isEnabled()) button->click();
+    };
+  };
+  add(QKeySequence(Qt::CTRL | Qt::Key_F), searchEdit, "Search the actors with a wildcard pattern, then Return",
+      [this] {
+        if (!searchEdit->isEnabled()) return;
+        searchEdit->setFocus(Qt::ShortcutFocusReason);
+        searchEdit->selectAll();
+      });
+  add(QKeySequence(Qt::CTRL | Qt::Key_S), convertButton, "Convert the selected actors", clickIfEnabled(convertButton));
+  add(QKeySequence(Qt::CTRL | Qt::Key_O), openFolderButton, "Open a game's installation folder",
+      clickIfEnabled(openFolderButton));
+  add(QKeySequence(Qt::Key_Escape), cancelButton, "Stop the conversions after the ones under way",
+      clickIfEnabled(cancelButton));
+  add(QKeySequence(Qt::CTRL | Qt::Key_Q), nullptr, "", [this] { close(); });
+  renderControl->Container()->setToolTip(
+      QStringLiteral("Left drag turns, right drag pans, middle drag moves nearer or farther.\n"
+                     "F or Home frames the model again, B shows the skeleton, W the wireframe."));
+}
+
+void MainWindow::StepIntoFileList() {
+  const QAbstractItemModel* model = fileView->model();
+  if (model->rowCount() == 0) return;
+  const QModelIndex current = fileView->currentIndex();
+  const int row = current.isValid() ? std::min(current.row() + 1, model->rowCount() - 1) : 0;
+  fileView->setFocus(Qt::TabFocusReason);
+  fileView->selectionModel()->setCurrentIndex(model->index(row, 0), QItemSelectionModel::ClearAndSelect);
+}
+
+void MainWindow::dragEnterEvent(QDragEnterEvent* event) {
+  if (Idle(app) && !DroppedGameFolder(event->mimeData()).isEmpty()) event->acceptProposedAction();
+}
+
+void MainWindow::dropEvent(QDropEvent* event) {
+  const QString folder = DroppedGameFolder(event->mimeData());
+  if (folder.isEmpty()) return;
+  event->acceptProposedAction();
+  OpenGameFolder(app, folder.toUtf8().constData());
+}
+
 MainWindow::~MainWindow() {
   // The worker may wait on a control call; it is served until it ends, then nothing points here.
   if (app.window == &windowSystem) WaitForWorker(app);
@@ -198,10 +259,22 @@ void MainWindow::closeEvent(QCloseEvent* event) {
 }
 
 bool MainWindow::eventFilter(QObject* watched, QEvent* event) {
-  if (watched != searchEdit) return QWidget::eventFilter(watched, event);
   const auto type = event->type();
+  // Disabling the control with the keyboard sends the focus on to the next one: a search from the
+  // search box would leave the keys elsewhere. It goes back once the control is enabled again.
+  auto* control = qobject_cast<QWidget*>(watched);
+  if (type == QEvent::FocusOut && control && !control->isEnabled()) focusBeforeBusy = control;
+  if (type == QEvent::EnabledChange && control && control == focusBeforeBusy && control->isEnabled()) {
+    focusBeforeBusy = nullptr;
+    if (isActiveWindow()) control->setFocus(Qt::OtherFocusReason);
+  }
+  if (watched != searchEdit) return QWidget::eventFilter(watched, event);
   if (type != QEvent::KeyPress && type != QEvent::KeyRelease) return false;
   const int key = static_cast<QKeyEvent*>(event)->key();
+  if (key == Qt::Key_Down && type == QEvent::KeyPress) {
+    StepIntoFileList();
+    return true;
+  }
   if (key != Qt::Key_Return && key != Qt::Key_Enter) return false;
   // Return searches when it is released; its press never reaches the edit, nor rings or inserts.
   if (type == QEvent::KeyRelease && !static_cast<QKeyEvent*>(event)->isAutoRepeat()) SearchRequest(app);

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QPointer>
 #include <QRect>
 #include <QWidget>
 #include <vector>
@@ -47,6 +48,9 @@ class MainWindow final : public QWidget {
   void closeEvent(QCloseEvent* event) override;
   bool eventFilter(QObject* watched, QEvent* event) override;
   void showEvent(QShowEvent* event) override;
+  // A folder or a game's first pack dropped on the window opens as "Open folder..." opens it.
+  void dragEnterEvent(QDragEnterEvent* event) override;
+  void dropEvent(QDropEvent* event) override;
 
  private:
   // A control and its place in the template, in dialog units.
@@ -56,6 +60,10 @@ class MainWindow final : public QWidget {
   };
 
   void Place(QWidget* control, QRect units);
+  // The keys of the buttons, the search box and quitting, each named in its control's tooltip.
+  void CreateShortcuts();
+  // From the search box, Down goes on to the file list and selects its next item.
+  void StepIntoFileList();
   // Sizes the dialog, its font and every control for the screen the window is on.
   void FitToScreen();
   // The window manager's frame, or room for a usual one while it is unknown.
@@ -77,4 +85,6 @@ class MainWindow final : public QWidget {
   std::vector<Placed> placed;  // in the template's order
   double fit = 0;  // 0 until the first layout
   bool centred = false;
+  // The control that had the keyboard until a worker disabled it; it has it back when enabled.
+  QPointer<QWidget> focusBeforeBusy;
 };
