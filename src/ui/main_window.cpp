@@ -117,6 +117,9 @@ MainWindow::MainWindow(AppState& state) : app(state) {
   Place(renderControl->Container(), {270, 6, 630, 438});
   windowSystem.AddControl(kRenderControl, renderControl->Container());
   windowSystem.SetRenderWindow(&renderControl->Preview());
+  // The skeleton view names its rig in the panel while it is on.
+  renderControl->OnViewsChanged(
+      [this] { windowSystem.SetText(kInfoText, renderControl->Preview().GetInfoText()); });
 
   auto* infoText = new QPlainTextEdit(this);
   infoText->setReadOnly(true);

@@ -3,6 +3,7 @@
 #include <QCoreApplication>
 #include <QElapsedTimer>
 #include <QGuiApplication>
+#include <QKeyEvent>
 #include <QMouseEvent>
 #include <QSurfaceFormat>
 #include <QWheelEvent>
@@ -172,3 +173,28 @@ void RenderControl::mouseDoubleClickEvent(QMouseEvent* event) { Forward(event, B
 void RenderControl::mouseMoveEvent(QMouseEvent* event) { Forward(event, kMouseMove); }
 
 void RenderControl::wheelEvent(QWheelEvent* event) { event->accept(); }
+
+void RenderControl::keyPressEvent(QKeyEvent* event) {
+  if (event->modifiers() & ~Qt::KeypadModifier) {
+    event->ignore();
+    return;
+  }
+  PreviewViews views = preview.Views();
+  switch (event->key()) {
+    case Qt::Key_F:
+    case Qt::Key_Home:
+      preview.Reframe();
+      return;
+    case Qt::Key_B:
+      views.skeleton = !views.skeleton;
+      break;
+    case Qt::Key_W:
+      views.wireframe = !views.wireframe;
+      break;
+    default:
+      event->ignore();
+      return;
+  }
+  preview.SetViews(views);
+  if (viewsChanged) viewsChanged();
+}

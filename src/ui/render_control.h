@@ -3,6 +3,7 @@
 #include <QImage>
 #include <QOpenGLWindow>
 #include <QTimer>
+#include <functional>
 #include <memory>
 
 #include "preview/arc_ball_camera.h"
@@ -30,6 +31,8 @@ class RenderControl final : public QOpenGLWindow, private IRenderHost, private I
   bool WaitForContext(int timeoutMs);
   // Draws a frame now and gives its pixels; null without graphics.
   QImage RenderFrame();
+  // Called after a key turned a view on or off, for the info panel to follow.
+  void OnViewsChanged(std::function<void()> changed) { viewsChanged = std::move(changed); }
 
  protected:
   void paintGL() override;
@@ -38,6 +41,8 @@ class RenderControl final : public QOpenGLWindow, private IRenderHost, private I
   void mouseReleaseEvent(QMouseEvent* event) override;
   void mouseMoveEvent(QMouseEvent* event) override;
   void wheelEvent(QWheelEvent* event) override;
+  // F or Home frames the model again, B shows the skeleton, W the wireframe.
+  void keyPressEvent(QKeyEvent* event) override;
   bool event(QEvent* event) override;
   bool eventFilter(QObject* watched, QEvent* event) override;
 
@@ -61,4 +66,5 @@ class RenderControl final : public QOpenGLWindow, private IRenderHost, private I
   QTimer frameTimer;
   bool framePending = false;
   bool captured = false;
+  std::function<void()> viewsChanged;
 };
