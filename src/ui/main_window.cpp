@@ -230,6 +230,10 @@ void MainWindow::dragEnterEvent(QDragEnterEvent* event) {
   if (Idle(app) && !DroppedGameFolder(event->mimeData()).isEmpty()) event->acceptProposedAction();
 }
 
+void MainWindow::dragMoveEvent(QDragMoveEvent* event) {
+  if (Idle(app) && !DroppedGameFolder(event->mimeData()).isEmpty()) event->acceptProposedAction();
+}
+
 void MainWindow::dropEvent(QDropEvent* event) {
   const QString folder = DroppedGameFolder(event->mimeData());
   if (folder.isEmpty()) return;

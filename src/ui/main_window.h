@@ -50,6 +50,7 @@ class MainWindow final : public QWidget {
   void showEvent(QShowEvent* event) override;
   // A folder or a game's first pack dropped on the window opens as "Open folder..." opens it.
   void dragEnterEvent(QDragEnterEvent* event) override;
+  void dragMoveEvent(QDragMoveEvent* event) override;
   void dropEvent(QDropEvent* event) override;
 
  private:

@@ -2,6 +2,8 @@
 // wireframe (W).
 #include <QImage>
 #include <QKeyEvent>
+#include <QMouseEvent>
+#include <QScreen>
 
 #include "preview/preview_math.h"
 #include "ui/desktop_test.h"
@@ -111,6 +113,10 @@ TEST_F(PreviewViewsTest, ThePanelNamesTheRigThatConvertWouldTake) {
     ASSERT_GE(panel.size(), std::strlen(c.line)) << c.actor;
     EXPECT_EQ(panel.substr(panel.size() - std::strlen(c.line)), c.line) << c.actor;
   }
+  Select("actors\\knight.adr");
+  // For a person to look at: the whole window as the screen shows it, skeleton and panel line.
+  (void)PumpUntil([] { return false; }, 200);
+  EXPECT_TRUE(window.screen()->grabWindow(window.winId()).save(ArtifactPath("window_skeleton.png")));
   PreviewKey(Qt::Key_B);
   EXPECT_EQ(Panel().find("Skeleton"), std::string::npos) << "the line goes with the view";
 }
