@@ -345,40 +345,4 @@ TEST_F(PreviewViewsTest, EachViewDrawsAsItsKeySays) {
   }
 }
 
-TEST_F(PreviewViewsTest, ThePanelNamesTheRigOnlyWhileTheSkeletonIsShown) {
-  preview.SetViews({.skeleton = true});
-  EXPECT_EQ(preview.GetInfoText(), base + "Skeleton: Walk\r\n");
-  preview.SetViews({.skeleton = true, .wireframe = true});
-  EXPECT_EQ(preview.GetInfoText(), base + "Skeleton: Walk\r\n");
-  preview.SetViews({});
-  EXPECT_EQ(preview.GetInfoText(), base);
-
-  // The view stays on for the next actor, which has no rig.
-  preview.SetViews({.skeleton = true});
-  rigs.give = false;
-  ASSERT_TRUE(Load("actors\\thing.adr", &materials, &rigs));
-  EXPECT_EQ(preview.GetInfoText(), base + "Skeleton: none, no rig fits this actor\r\n");
-  EXPECT_EQ(host.device.liveSkeletons, 0);
-  const auto frame = Frame();
-  EXPECT_EQ(frame.size(), 2u) << "nothing to draw over the model";
-}
-
-TEST_F(PreviewViewsTest, ReframingUndoesTheUsersTurnAndPan) {
-  const Matrix4 framed = (preview.Tick(), host.device.world);
-  struct : IMouseCapture {
-    void SetCapture() override {}
-    void ReleaseCapture() override {}
-  } capture;
-  preview.HandleMouse(capture, kLeftButtonDown, kButtonLeft, 100, 100);
-  preview.HandleMouse(capture, kMouseMove, kButtonLeft, 160, 130);
-  preview.HandleMouse(capture, kLeftButtonDown + 1, 0, 160, 130);
-  preview.Tick();
-  ASSERT_NE(host.device.world.m[0][0], framed.m[0][0]) << "the drag turned the model";
-  preview.Reframe();
-  preview.Tick();
-  for (int r = 0; r < 4; ++r) {
-    for (int c = 0; c < 4; ++c) EXPECT_FLOAT_EQ(host.device.world.m[r][c], framed.m[r][c]) << r << "," << c;
-  }
-}
-
 }  // namespace
