@@ -164,7 +164,11 @@ void RenderControl::Forward(QMouseEvent* event, u32 message) {
   preview.HandleMouse(*this, message, ButtonFlags(event->buttons()), i32(at.x()), i32(at.y()));
 }
 
-void RenderControl::mousePressEvent(QMouseEvent* event) { Forward(event, ButtonMessage(event->button(), 0)); }
+void RenderControl::mousePressEvent(QMouseEvent* event) {
+  // A click gives the preview the keyboard, for its view keys; the toolkit leaves it where it was.
+  if (container && container->isEnabled() && !isActive()) requestActivate();
+  Forward(event, ButtonMessage(event->button(), 0));
+}
 
 void RenderControl::mouseReleaseEvent(QMouseEvent* event) { Forward(event, ButtonMessage(event->button(), 1)); }
 

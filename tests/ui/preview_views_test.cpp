@@ -121,7 +121,7 @@ TEST_F(PreviewViewsTest, ThePanelNamesTheRigThatConvertWouldTake) {
   EXPECT_EQ(Panel().find("Skeleton"), std::string::npos) << "the line goes with the view";
 }
 
-TEST_F(PreviewViewsTest, FAndHomeFrameTheModelAgain) {
+TEST_F(PreviewViewsTest, AClickTakesTheKeysAndFOrHomeFrameTheModelAgain) {
   Select("actors\\knight.adr");
   const QImage framed = Frame();
   for (const int key : {Qt::Key_F, Qt::Key_Home}) {
@@ -129,6 +129,7 @@ TEST_F(PreviewViewsTest, FAndHomeFrameTheModelAgain) {
     QMouseEvent press(QEvent::MouseButtonPress, QPointF(200, 200), QPointF(200, 200), Qt::RightButton, Qt::RightButton,
                       Qt::NoModifier);
     QCoreApplication::sendEvent(&control, &press);
+    EXPECT_TRUE(PumpUntil([&] { return control.isActive(); }, 2000)) << "a click gives the preview the keys";
     QMouseEvent move(QEvent::MouseMove, QPointF(260, 240), QPointF(260, 240), Qt::NoButton, Qt::RightButton,
                      Qt::NoModifier);
     QCoreApplication::sendEvent(&control, &move);
