@@ -33,11 +33,7 @@ bool CRenderWindow::Init(PackIndex* packs) {
   packIndex = packs;
   worldMatrix = Matrix4{};
   modelOffset = Matrix4{};
-  aspect = f32(width) / f32(height);
-  verticalFov = kVerticalFov;
-  horizontalFov = 2.0f * std::atan(aspect * std::tan(0.5235987901687622f));
-  projectionMatrix = MatrixPerspectiveFovRH(verticalFov, aspect, kNearPlane, kFarPlane);
-  camera.SetWindow(width, height, kBallRadius);
+  SetSize(width, height);
   textures.cache.SetDevice(device);
   textures.cache.ReleaseAll();
   textures.packIndex = packIndex;
@@ -45,6 +41,20 @@ bool CRenderWindow::Init(PackIndex* packs) {
   // The first frame is the clear colour, before any actor is shown.
   host.RequestFrame();
   return true;
+}
+
+void CRenderWindow::SetSize(i32 width, i32 height) {
+  aspect = f32(width) / f32(height);
+  verticalFov = kVerticalFov;
+  horizontalFov = 2.0f * std::atan(aspect * std::tan(0.5235987901687622f));
+  projectionMatrix = MatrixPerspectiveFovRH(verticalFov, aspect, kNearPlane, kFarPlane);
+  camera.SetWindow(width, height, kBallRadius);
+}
+
+void CRenderWindow::Resize(i32 width, i32 height) {
+  if (!device || width <= 0 || height <= 0) return;
+  SetSize(width, height);
+  host.RequestFrame();
 }
 
 void CRenderWindow::Shutdown() {

@@ -78,6 +78,9 @@ class CRenderWindow final : public IRenderWindow {
   const PreviewViews& Views() const { return views; }
   // Frames the shown model again, as loading it did: turned and moved back to where it started.
   void Reframe();
+  // The control's drawable is now `width` x `height` pixels, as when the window is fitted to
+  // another screen: projection and gestures follow.
+  void Resize(i32 width, i32 height);
 
   // A mouse message of the control; `capture` takes and gives back the pointer.
   void HandleMouse(IMouseCapture& capture, u32 message, u32 buttons, i32 x, i32 y, bool captureToSelf = false);
@@ -98,6 +101,7 @@ class CRenderWindow final : public IRenderWindow {
   bool BuildDrawNode(const ModelMaterial& material, const ModelMesh& mesh, const MaterialDefinitionSet& materials);
   u32 GetTexture(const char* name);
   void ReleaseDrawList();
+  void SetSize(i32 width, i32 height);
   void LoadSkeleton(const ActorFiles& files, ISkeletonSource* skeletons);
   // The info text of the shown actor, with the skeleton's line while its view is on.
   void WriteSkeletonLine();

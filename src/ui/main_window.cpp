@@ -153,13 +153,13 @@ QMargins MainWindow::FrameMargins() const {
   return frame.isNull() ? kFrameAllowance : frame;
 }
 
-void MainWindow::FitToScreen() {
+bool MainWindow::FitToScreen() {
   const QScreen* shownOn = screen();
   const double dpiScale = DialogUnits::DpiScale(shownOn);
   const QSize natural = DialogUnits(dpiScale, 1.0).ToPixels(kTemplateWidth, kTemplateHeight);
   const QRect available = shownOn ? shownOn->availableGeometry() : QRect(QPoint(), natural);
   const double wanted = DialogUnits::FitFactor(natural, available.marginsRemoved(FrameMargins()).size());
-  if (std::abs(wanted - fit) < kFitTolerance) return;
+  if (std::abs(wanted - fit) < kFitTolerance) return false;
   fit = wanted;
   const DialogUnits units(dpiScale, fit);
   // Children take the window's font unless they set their own.
@@ -169,6 +169,7 @@ void MainWindow::FitToScreen() {
     const QRect& r = control.units;
     control.control->setGeometry(units.ToPixels(r.x(), r.y(), r.width(), r.height()));
   }
+  return true;
 }
 
 void MainWindow::showEvent(QShowEvent* event) {
@@ -176,6 +177,9 @@ void MainWindow::showEvent(QShowEvent* event) {
   if (!centred) {
     // Centred in the screen's free area, frame included, as the template asks.
     centred = true;
+    if (QWindow* handle = windowHandle()) {
+      QObject::connect(handle, &QWindow::screenChanged, this, [this] { FitToScreen(); });
+    }
     if (const QScreen* shownOn = screen()) {
       const QRect outer = QRect(QPoint(), size()).marginsAdded(FrameMargins());
       const QRect area = shownOn->availableGeometry();
@@ -183,6 +187,20 @@ void MainWindow::showEvent(QShowEvent* event) {
     }
   }
   QWidget::showEvent(event);
+}
+
+void MainWindow::moveEvent(QMoveEvent* event) {
+  // Fitted anew, the frame may still reach past the free area where it was placed: back inside.
+  // A window the user moves partly off the screen stays where it was put.
+  const bool refitted = FitToScreen();
+  const QScreen* shownOn = screen();
+  if (refitted && centred && shownOn && !shownOn->availableGeometry().contains(frameGeometry())) {
+    const QRect area = shownOn->availableGeometry();
+    const QRect outer = frameGeometry();
+    move(std::clamp(outer.x(), area.x(), std::max(area.x(), area.right() + 1 - outer.width())),
+         std::clamp(outer.y(), area.y(), std::max(area.y(), area.bottom() + 1 - outer.height())));
+  }
+  QWidget::moveEvent(event);
 }
 
 void MainWindow::CreateShortcuts() {

@@ -48,6 +48,8 @@ class MainWindow final : public QWidget {
   void closeEvent(QCloseEvent* event) override;
   bool eventFilter(QObject* watched, QEvent* event) override;
   void showEvent(QShowEvent* event) override;
+  // A window manager says how wide its frame is only once the window is up, by moving it.
+  void moveEvent(QMoveEvent* event) override;
   // A folder or a game's first pack dropped on the window opens as "Open folder..." opens it.
   void dragEnterEvent(QDragEnterEvent* event) override;
   void dragMoveEvent(QDragMoveEvent* event) override;
@@ -65,8 +67,9 @@ class MainWindow final : public QWidget {
   void CreateShortcuts();
   // From the search box, Down goes on to the file list and selects its next item.
   void StepIntoFileList();
-  // Sizes the dialog, its font and every control for the screen the window is on.
-  void FitToScreen();
+  // Sizes the dialog, its font and every control for the screen the window is on; false when they
+  // were sized so already.
+  bool FitToScreen();
   // The window manager's frame, or room for a usual one while it is unknown.
   QMargins FrameMargins() const;
 
@@ -85,7 +88,7 @@ class MainWindow final : public QWidget {
   RenderControl* renderControl = nullptr;  // owned by its container, a child of this window
   std::vector<Placed> placed;  // in the template's order
   double fit = 0;  // 0 until the first layout
-  bool centred = false;
+  bool centred = false;  // placed on the first show, which also starts following its screen
   // The control that had the keyboard until a worker disabled it; it has it back when enabled.
   QPointer<QWidget> focusBeforeBusy;
 };

@@ -130,6 +130,11 @@ void RenderControl::RequestFrame() {
 
 void RenderControl::paintGL() { preview.Tick(); }
 
+void RenderControl::resizeGL(int width, int height) {
+  const qreal ratio = devicePixelRatioF();
+  preview.Resize(i32(width * ratio), i32(height * ratio));
+}
+
 void RenderControl::SetCapture() {
   captured = true;
   setMouseGrabEnabled(true);

@@ -36,6 +36,7 @@ class RenderControl final : public QOpenGLWindow, private IRenderHost, private I
 
  protected:
   void paintGL() override;
+  void resizeGL(int width, int height) override;
   void mousePressEvent(QMouseEvent* event) override;
   void mouseDoubleClickEvent(QMouseEvent* event) override;
   void mouseReleaseEvent(QMouseEvent* event) override;

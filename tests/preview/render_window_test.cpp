@@ -196,6 +196,18 @@ TEST_F(RenderWindowTest, FramesTheModelsBox) {
   EXPECT_FLOAT_EQ(world.m[0][0], 1.0f);
 }
 
+TEST_F(RenderWindowTest, AResizeKeepsTheVerticalViewAndWidensTheHorizontal) {
+  Open(Game(testsupport::BuildSkinnedActor({.gridSize = 2, .boneCount = 1})));
+  const Matrix4 square = preview.Projection();  // 200 x 200
+  const i32 requested = host.framesRequested;
+  preview.Resize(400, 200);
+  EXPECT_FLOAT_EQ(preview.Projection().m[1][1], square.m[1][1]);
+  EXPECT_FLOAT_EQ(preview.Projection().m[0][0], square.m[0][0] / 2);
+  EXPECT_GT(host.framesRequested, requested);
+  preview.Resize(0, 200);  // a window being hidden: nothing to draw into, nothing changes
+  EXPECT_FLOAT_EQ(preview.Projection().m[0][0], square.m[0][0] / 2);
+}
+
 TEST_F(RenderWindowTest, FailedLoadsEmptyThePreviewAndKeepTheTextUpToTheirFailure) {
   testsupport::SkinnedActorDesc desc{.meshCount = 2, .gridSize = 2, .boneCount = 1};
   testsupport::SkinnedActor model = testsupport::BuildSkinnedActor(desc);
