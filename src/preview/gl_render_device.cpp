@@ -74,11 +74,15 @@ bool GlRenderDevice::Open() {
       Build(programs[int(Technique::kRenderTextured)], ":/preview/preview.vert", nullptr, ":/preview/preview.frag",
             "#define TEXTURED 1\n") &&
       Build(programs[int(Technique::kRenderNormals)], ":/preview/normals.vert", ":/preview/normals.geom",
-            ":/preview/normals.frag", "") &&
-      Build(skeletonProgram, ":/preview/skeleton.vert", nullptr, ":/preview/skeleton.frag", "");
+            ":/preview/normals.frag", "");
   if (!built) {
     Close();
     return false;
+  }
+  // Only the skeleton view goes without its program: the model is drawn all the same.
+  if (!Build(skeletonProgram, ":/preview/skeleton.vert", nullptr, ":/preview/skeleton.frag", "")) {
+    if (skeletonProgram.id) glDeleteProgram(skeletonProgram.id);
+    skeletonProgram = Program{};
   }
   glEnable(GL_DEPTH_TEST);
   glDepthFunc(GL_LESS);
