@@ -8,6 +8,7 @@
 #include <QSurfaceFormat>
 #include <QWheelEvent>
 #include <QWidget>
+#include <QWindow>
 
 namespace {
 
@@ -183,7 +184,24 @@ void RenderControl::mouseMoveEvent(QMouseEvent* event) { Forward(event, kMouseMo
 
 void RenderControl::wheelEvent(QWheelEvent* event) { event->accept(); }
 
+void RenderControl::LeaveByTab(bool forward) {
+  if (!container) return;
+  QWidget* next = container;
+  do {
+    next = forward ? next->nextInFocusChain() : next->previousInFocusChain();
+  } while (next != container && !(next->isEnabled() && next->isVisible() && (next->focusPolicy() & Qt::TabFocus)));
+  if (next == container) return;
+  if (QWindow* top = container->window()->windowHandle()) top->requestActivate();
+  next->setFocus(forward ? Qt::TabFocusReason : Qt::BacktabFocusReason);
+}
+
 void RenderControl::keyPressEvent(QKeyEvent* event) {
+  // The preview is a window of its own, so the dialog's Tab would stay in it: it goes on in the
+  // template's order from here.
+  if (event->key() == Qt::Key_Tab || event->key() == Qt::Key_Backtab) {
+    LeaveByTab(event->key() == Qt::Key_Tab && !(event->modifiers() & Qt::ShiftModifier));
+    return;
+  }
   if (event->modifiers() & ~Qt::KeypadModifier) {
     event->ignore();
     return;

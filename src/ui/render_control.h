@@ -60,6 +60,8 @@ class RenderControl final : public QOpenGLWindow, private IRenderHost, private I
   void Forward(QMouseEvent* event, u32 message);
   // The pointer was taken away: a drag under way ends and the grab goes.
   void LoseCapture();
+  // Gives the keyboard to the next control of the window that takes it by Tab, or the one before.
+  void LeaveByTab(bool forward);
 
   QWidget* container = nullptr;
   std::unique_ptr<GlRenderDevice> device;

@@ -7,6 +7,7 @@
 
 #include "preview/preview_math.h"
 #include "ui/desktop_test.h"
+#include "ui/dialog_units.h"
 
 namespace {
 
@@ -139,6 +140,27 @@ TEST_F(PreviewViewsTest, AClickTakesTheKeysAndFOrHomeFrameTheModelAgain) {
     ASSERT_NE(Frame(), framed) << "the pan moved the model";
     PreviewKey(key);
     EXPECT_EQ(Frame(), framed) << key;
+  }
+}
+
+TEST_F(PreviewViewsTest, TabLeavesThePreviewInTheTemplatesOrder) {
+  RenderControl& control = window.Render();
+  const DialogUnits units(DialogUnits::DpiScale(window.screen()), window.Fit());
+  const struct {
+    int key;
+    Qt::KeyboardModifiers modifiers;
+    QPoint expected;  // where the template puts the control after the preview, or before it
+  } cases[] = {
+      {Qt::Key_Tab, Qt::NoModifier, units.ToPixels(6, 324, 0, 0).topLeft()},          // the info panel
+      {Qt::Key_Backtab, Qt::ShiftModifier, units.ToPixels(78, 234, 0, 0).topLeft()},  // the game's ">"
+  };
+  for (const auto& c : cases) {
+    control.requestActivate();
+    ASSERT_TRUE(PumpUntil([&] { return control.isActive(); }, 2000));
+    QKeyEvent tab(QEvent::KeyPress, c.key, c.modifiers);
+    QCoreApplication::sendEvent(&control, &tab);
+    ASSERT_TRUE(PumpUntil([&] { return QApplication::focusWidget() && window.isActiveWindow(); }, 2000));
+    EXPECT_EQ(QApplication::focusWidget()->pos(), c.expected) << c.key;
   }
 }
 
