@@ -1,5 +1,6 @@
 // The desktop program's speed on a display (run under xvfb-run): listing a large game, showing a
-// large model, and what an idle window costs.
+// large model, a frame of it with and without the views for checking it, and what an idle window
+// costs.
 #include <benchmark/benchmark.h>
 #include <sys/resource.h>
 
@@ -14,6 +15,7 @@
 
 #include "app/app_state.h"
 #include "support/pack_writer.h"
+#include "support/rig_writer.h"
 #include "support/skinned_actor.h"
 #include "support/temp_dir.h"
 #include "support/xml_writer.h"
@@ -25,7 +27,7 @@ namespace {
 constexpr u32 kActors = 100000;
 constexpr u32 kGridSize = 448;  // 200,704 vertices
 
-// 100,000 actor definitions and one whose model has 200,704 vertices, with the digest.
+// 100,000 actor definitions and one whose model has 200,704 vertices and a rig, with the digest.
 struct ListedGame {
   testsupport::TempDir dir;
   ListedGame() {
@@ -38,7 +40,11 @@ struct ListedGame {
     };
     add({"materials_3.xml", big.catalogue});
     add({"models\\big.dmod", big.model});
-    add({"actors\\big.adr", testsupport::BuildActor({.fileName = "models\\big.dmod"})});
+    add({"big.mrn", testsupport::BuildRigNetwork(testsupport::NetworkWithSets({{1, big.rig}}, {{"Idle", 1}}))});
+    add({"actors\\big.adr", testsupport::BuildActor({.fileName = "models\\big.dmod",
+                                                      .hasAnimationNetwork = true,
+                                                      .networkFileName = "big.mrn",
+                                                      .animSetName = "Idle"})});
     for (u32 i = 0; i < kActors; ++i) {
       char name[64];
       std::snprintf(name, sizeof(name), "actors\\group_%u\\actor_%06u.adr", (i * 7919) % 101, i);
@@ -79,6 +85,12 @@ void BM_DesktopListActors(benchmark::State& state) {
 }
 BENCHMARK(BM_DesktopListActors)->Unit(benchmark::kMillisecond)->UseRealTime()->Iterations(3);
 
+// The views for checking a model, by the benchmarks' argument: 0 none, 1 skeleton and wireframe.
+PreviewViews ViewsOf(const benchmark::State& state) {
+  const bool on = state.range(0) != 0;
+  return {.skeleton = on, .wireframe = on};
+}
+
 // A click on the 200,704-vertex actor until its first frame is drawn.
 void BM_DesktopClickToFirstFrame(benchmark::State& state) {
   LoadedWindow loaded;
@@ -100,11 +112,25 @@ double CpuSeconds() {
          double(usage.ru_utime.tv_usec + usage.ru_stime.tv_usec) / 1e6;
 }
 
+// One frame of the 200,704-vertex actor, read back as the tests read it.
+void BM_DesktopFrame(benchmark::State& state) {
+  LoadedWindow loaded;
+  QListView& view = loaded.window.FileView();
+  view.selectionModel()->setCurrentIndex(view.model()->index(0, 0), QItemSelectionModel::ClearAndSelect);
+  loaded.window.Render().Preview().SetViews(ViewsOf(state));
+  if (state.range(0) && !loaded.window.Render().Preview().Skeleton().vertexArray) state.SkipWithError("no skeleton");
+  for (auto _ : state) {
+    if (loaded.window.Render().RenderFrame().isNull()) state.SkipWithError("nothing drawn");
+  }
+}
+BENCHMARK(BM_DesktopFrame)->ArgName("views")->Arg(0)->Arg(1)->Unit(benchmark::kMillisecond)->UseRealTime()->Iterations(20);
+
 // Two seconds of an idle window with a model shown: the share of one core it takes.
 void BM_DesktopIdle(benchmark::State& state) {
   LoadedWindow loaded;
   QListView& view = loaded.window.FileView();
   view.selectionModel()->setCurrentIndex(view.model()->index(0, 0), QItemSelectionModel::ClearAndSelect);
+  loaded.window.Render().Preview().SetViews(ViewsOf(state));
   double share = 0;
   for (auto _ : state) {
     QElapsedTimer wall;
@@ -117,7 +143,7 @@ void BM_DesktopIdle(benchmark::State& state) {
   }
   state.counters["core_percent"] = share * 100.0;
 }
-BENCHMARK(BM_DesktopIdle)->Unit(benchmark::kMillisecond)->UseRealTime()->Iterations(1);
+BENCHMARK(BM_DesktopIdle)->ArgName("views")->Arg(0)->Arg(1)->Unit(benchmark::kMillisecond)->UseRealTime()->Iterations(1);
 
 }  // namespace
 

@@ -4,6 +4,7 @@
 #include <string>
 
 #include "app/log.h"
+#include "app/rig_choice.h"
 #include "app/worker.h"
 #include "assets/wildcard_match.h"
 #include "preview/render_window.h"
@@ -130,12 +131,29 @@ const PackEntry* SelectedEntry(AppState& app) {
   return data == kListError ? nullptr : reinterpret_cast<const PackEntry*>(data);
 }
 
+namespace {
+
+// The skeleton view shows the rig that Convert would take, without asking which where several fit.
+class UnaskedRig final : public ISkeletonSource {
+ public:
+  explicit UnaskedRig(const RigTable& table) : rigs(table) {}
+  const RigSkeleton* ShownRig(const ActorDefinition& actor, const ModelFile& model, const char*& name) override {
+    return PickRigUnasked(actor, model, rigs, name);
+  }
+
+ private:
+  const RigTable& rigs;
+};
+
+}  // namespace
+
 void OnFileSelected(AppState& app) {
   const PackEntry* entry = SelectedEntry(app);
   if (!entry) return;
   TStringBufferA<260> name;
   // Without a preview there is nothing to show.
   if (!GetSelectedName(app, name) || !app.renderWindow) return;
-  (void)app.renderWindow->LoadActor(entry, name.Text(), &app.materials);
+  UnaskedRig skeletons(app.rigs);
+  (void)app.renderWindow->LoadActor(entry, name.Text(), &app.materials, &skeletons);
   app.window->SetText(kInfoText, app.renderWindow->GetInfoText());
 }

@@ -14,6 +14,15 @@ const RigSkeleton* PickRig(const ActorDefinition& actor, const ModelFile& model,
 // The rig that the animation set `name` (in any case) drives in `network`, or null.
 const RigSkeleton* FindRig(const RigNetwork& network, const char* name);
 
+// What the rig dialog lists for a rig that no animation set names.
+constexpr const char* kUnnamedRig = "(unnamed rig)";
+
+// The rig PickRig would take, without asking anyone: where several fit, the first that the rig
+// dialog lists (sorted by name, ignoring case). `name` gets the name that rig goes by: its
+// animation set's, or kUnnamedRig. Null for none, and `name` is then left alone.
+const RigSkeleton* PickRigUnasked(const ActorDefinition& actor, const ModelFile& model, const RigTable& rigs,
+                                  const char*& name);
+
 // Whether `rig` has a bone for every bone of `model`; it may have more.
 bool RigMatches(const ModelFile& model, const RigSkeleton& rig);
 

@@ -8,6 +8,10 @@ namespace {
 
 enum MatrixSlot { kWorld, kView, kViewInverse, kProjection };
 
+// Magenta: far from the clear grey and from the colours of skin, cloth, metal and stone.
+constexpr f32 kSkeletonColour[3] = {1.0f, 0.0f, 1.0f};
+constexpr f32 kJointSize = 5.0f;  // pixels across a joint's point
+
 }  // namespace
 
 u32 GlRenderDevice::Compile(u32 stage, const char* path, const char* defines) {
@@ -59,6 +63,7 @@ bool GlRenderDevice::Build(Program& program, const char* vertexPath, const char*
   program.viewInverse = glGetUniformLocation(program.id, "ViewInverse");
   program.projection = glGetUniformLocation(program.id, "Projection");
   program.diffuse = glGetUniformLocation(program.id, "TxDiffuse");
+  program.colour = glGetUniformLocation(program.id, "Colour");
   return true;
 }
 
@@ -74,6 +79,11 @@ bool GlRenderDevice::Open() {
     Close();
     return false;
   }
+  // Only the skeleton view goes without its program: the model is drawn all the same.
+  if (!Build(skeletonProgram, ":/preview/skeleton.vert", nullptr, ":/preview/skeleton.frag", "")) {
+    if (skeletonProgram.id) glDeleteProgram(skeletonProgram.id);
+    skeletonProgram = Program{};
+  }
   glEnable(GL_DEPTH_TEST);
   glDepthFunc(GL_LESS);
   glFrontFace(GL_CW);
@@ -83,9 +93,9 @@ bool GlRenderDevice::Open() {
 }
 
 void GlRenderDevice::Close() {
-  for (Program& program : programs) {
-    if (program.id) glDeleteProgram(program.id);
-    program = Program{};
+  for (Program* program : {&programs[0], &programs[1], &programs[2], &skeletonProgram}) {
+    if (program->id) glDeleteProgram(program->id);
+    *program = Program{};
   }
 }
 
@@ -156,6 +166,14 @@ void GlRenderDevice::Clear(const f32 colour[4], f32 depth) {
   glClear(GL_COLOR_BUFFER_BIT | GL_DEPTH_BUFFER_BIT);
 }
 
+void GlRenderDevice::SetMatrixUniforms(const Program& program) {
+  // Stored row by row for row vectors, read column by column: the transpose that the shaders expect.
+  glUniformMatrix4fv(program.world, 1, GL_FALSE, &matrices[kWorld].m[0][0]);
+  glUniformMatrix4fv(program.view, 1, GL_FALSE, &matrices[kView].m[0][0]);
+  glUniformMatrix4fv(program.viewInverse, 1, GL_FALSE, &matrices[kViewInverse].m[0][0]);
+  glUniformMatrix4fv(program.projection, 1, GL_FALSE, &matrices[kProjection].m[0][0]);
+}
+
 void GlRenderDevice::SetMatrices(const Matrix4& world, const Matrix4& view, const Matrix4& viewInverse,
                                  const Matrix4& projection) {
   matrices[kWorld] = world;
@@ -168,11 +186,7 @@ bool GlRenderDevice::Draw(Technique technique, const GpuMesh& mesh, u32 indexCou
   const Program& program = programs[int(technique)];
   if (!program.id || !mesh.vertexArray) return false;
   glUseProgram(program.id);
-  // Stored row by row for row vectors, read column by column: the transpose that the shaders expect.
-  glUniformMatrix4fv(program.world, 1, GL_FALSE, &matrices[kWorld].m[0][0]);
-  glUniformMatrix4fv(program.view, 1, GL_FALSE, &matrices[kView].m[0][0]);
-  glUniformMatrix4fv(program.viewInverse, 1, GL_FALSE, &matrices[kViewInverse].m[0][0]);
-  glUniformMatrix4fv(program.projection, 1, GL_FALSE, &matrices[kProjection].m[0][0]);
+  SetMatrixUniforms(program);
   glUniform1i(program.diffuse, 0);
   glActiveTexture(GL_TEXTURE0);
   glBindTexture(GL_TEXTURE_2D, texture);
@@ -186,3 +200,53 @@ bool GlRenderDevice::Draw(Technique technique, const GpuMesh& mesh, u32 indexCou
   glBindVertexArray(0);
   return true;
 }
+
+bool GlRenderDevice::CreateSkeleton(const BindSkeleton& skeleton, GpuSkeleton& out) {
+  out = GpuSkeleton{};
+  if (skeleton.joints.Count() == 0) return false;
+  while (glGetError() != GL_NO_ERROR) {
+  }
+  glGenVertexArrays(1, &out.vertexArray);
+  glBindVertexArray(out.vertexArray);
+  glGenBuffers(1, &out.vertexBuffer);
+  glBindBuffer(GL_ARRAY_BUFFER, out.vertexBuffer);
+  static_assert(sizeof(Vec3) == 3 * sizeof(f32));
+  glBufferData(GL_ARRAY_BUFFER, GLsizeiptr(skeleton.joints.Count()) * GLsizeiptr(sizeof(Vec3)), skeleton.joints.Data(),
+               GL_STATIC_DRAW);
+  glGenBuffers(1, &out.indexBuffer);
+  glBindBuffer(GL_ELEMENT_ARRAY_BUFFER, out.indexBuffer);
+  glBufferData(GL_ELEMENT_ARRAY_BUFFER, GLsizeiptr(skeleton.lines.Count()) * GLsizeiptr(sizeof(u32)),
+               skeleton.lines.Data(), GL_STATIC_DRAW);
+  glEnableVertexAttribArray(0);
+  glVertexAttribPointer(0, 3, GL_FLOAT, GL_FALSE, sizeof(Vec3), nullptr);
+  glBindVertexArray(0);
+  out.jointCount = skeleton.joints.Count();
+  out.lineIndexCount = skeleton.lines.Count();
+  if (glGetError() == GL_NO_ERROR) return true;
+  ReleaseSkeleton(out);
+  return false;
+}
+
+void GlRenderDevice::ReleaseSkeleton(GpuSkeleton& skeleton) {
+  if (skeleton.vertexArray) glDeleteVertexArrays(1, &skeleton.vertexArray);
+  if (skeleton.vertexBuffer) glDeleteBuffers(1, &skeleton.vertexBuffer);
+  if (skeleton.indexBuffer) glDeleteBuffers(1, &skeleton.indexBuffer);
+  skeleton = GpuSkeleton{};
+}
+
+void GlRenderDevice::DrawSkeleton(const GpuSkeleton& skeleton) {
+  if (!skeletonProgram.id || !skeleton.vertexArray) return;
+  glUseProgram(skeletonProgram.id);
+  SetMatrixUniforms(skeletonProgram);
+  glUniform3fv(skeletonProgram.colour, 1, kSkeletonColour);
+  // Over the model, not hidden in it: a bone runs inside the mesh that it moves.
+  glDisable(GL_DEPTH_TEST);
+  glBindVertexArray(skeleton.vertexArray);
+  glDrawElements(GL_LINES, GLsizei(skeleton.lineIndexCount), GL_UNSIGNED_INT, nullptr);
+  glPointSize(kJointSize);
+  glDrawArrays(GL_POINTS, 0, GLsizei(skeleton.jointCount));
+  glBindVertexArray(0);
+  glEnable(GL_DEPTH_TEST);
+}
+
+void GlRenderDevice::SetWireframe(bool on) { glPolygonMode(GL_FRONT_AND_BACK, on ? GL_LINE : GL_FILL); }

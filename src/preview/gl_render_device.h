@@ -27,17 +27,24 @@ class GlRenderDevice final : public IRenderDevice, private QOpenGLFunctions_3_3_
   void SetMatrices(const Matrix4& world, const Matrix4& view, const Matrix4& viewInverse,
                    const Matrix4& projection) override;
   bool Draw(Technique technique, const GpuMesh& mesh, u32 indexCount, u32 texture) override;
+  bool CreateSkeleton(const BindSkeleton& skeleton, GpuSkeleton& out) override;
+  void ReleaseSkeleton(GpuSkeleton& skeleton) override;
+  void DrawSkeleton(const GpuSkeleton& skeleton) override;
+  void SetWireframe(bool on) override;
 
  private:
   struct Program {
     u32 id = 0;
-    i32 world = -1, view = -1, viewInverse = -1, projection = -1, diffuse = -1;
+    i32 world = -1, view = -1, viewInverse = -1, projection = -1, diffuse = -1, colour = -1;
   };
 
   bool Build(Program& program, const char* vertexPath, const char* geometryPath, const char* fragmentPath,
              const char* defines);
   u32 Compile(u32 stage, const char* path, const char* defines);
 
+  void SetMatrixUniforms(const Program& program);
+
   Program programs[3];  // by Technique
+  Program skeletonProgram;
   Matrix4 matrices[4];  // world, view, view inverse, projection, as last set
 };

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "core/types.h"
+#include "mesh/bind_skeleton.h"
 #include "mesh/preview_mesh.h"
 #include "image/image_decode.h"
 #include "preview/preview_math.h"
@@ -10,6 +11,15 @@ struct GpuMesh {
   u32 vertexArray = 0;
   u32 vertexBuffer = 0;
   u32 indexBuffer = 0;
+};
+
+// A skeleton in graphics memory: its joints as points and its bones as lines; 0 when absent.
+struct GpuSkeleton {
+  u32 vertexArray = 0;
+  u32 vertexBuffer = 0;
+  u32 indexBuffer = 0;
+  u32 jointCount = 0;
+  u32 lineIndexCount = 0;
 };
 
 // The three ways of drawing a mesh. Normals is there for debugging; nothing draws with it.
@@ -33,6 +43,15 @@ class IRenderDevice {
                            const Matrix4& projection) = 0;
   // False when the technique can't be used, and the mesh is skipped.
   virtual bool Draw(Technique technique, const GpuMesh& mesh, u32 indexCount, u32 texture) = 0;
+
+  // The views for checking a model, off until asked for.
+  // Uploads a skeleton; false (with nothing held) when the buffers can't be made.
+  [[nodiscard]] virtual bool CreateSkeleton(const BindSkeleton& skeleton, GpuSkeleton& out) = 0;
+  virtual void ReleaseSkeleton(GpuSkeleton& skeleton) = 0;
+  // Draws the skeleton over everything drawn so far, whatever lies nearer, in one colour.
+  virtual void DrawSkeleton(const GpuSkeleton& skeleton) = 0;
+  // Meshes drawn from here on show their triangles' edges only.
+  virtual void SetWireframe(bool on) = 0;
 };
 
 // The window that the render control draws in.

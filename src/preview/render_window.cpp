@@ -1,6 +1,7 @@
 #include "preview/render_window.h"
 
 #include <cmath>
+#include <cstring>
 
 #include "gamedata/actor_files.h"
 #include "gamedata/material_textures.h"
@@ -13,6 +14,7 @@ constexpr f32 kNearPlane = 0.1f;
 constexpr f32 kFarPlane = 50.0f;
 constexpr f32 kBallRadius = 0.9f;
 constexpr f32 kClearColour[4] = {0.75f, 0.75f, 0.75f, 1.0f};
+constexpr const char* kNoSkeletonLine = "Skeleton: none, no rig fits this actor\r\n";
 
 }  // namespace
 
@@ -31,11 +33,7 @@ bool CRenderWindow::Init(PackIndex* packs) {
   packIndex = packs;
   worldMatrix = Matrix4{};
   modelOffset = Matrix4{};
-  aspect = f32(width) / f32(height);
-  verticalFov = kVerticalFov;
-  horizontalFov = 2.0f * std::atan(aspect * std::tan(0.5235987901687622f));
-  projectionMatrix = MatrixPerspectiveFovRH(verticalFov, aspect, kNearPlane, kFarPlane);
-  camera.SetWindow(width, height, kBallRadius);
+  SetSize(width, height);
   textures.cache.SetDevice(device);
   textures.cache.ReleaseAll();
   textures.packIndex = packIndex;
@@ -43,6 +41,20 @@ bool CRenderWindow::Init(PackIndex* packs) {
   // The first frame is the clear colour, before any actor is shown.
   host.RequestFrame();
   return true;
+}
+
+void CRenderWindow::SetSize(i32 width, i32 height) {
+  aspect = f32(width) / f32(height);
+  verticalFov = kVerticalFov;
+  horizontalFov = 2.0f * std::atan(aspect * std::tan(0.5235987901687622f));
+  projectionMatrix = MatrixPerspectiveFovRH(verticalFov, aspect, kNearPlane, kFarPlane);
+  camera.SetWindow(width, height, kBallRadius);
+}
+
+void CRenderWindow::Resize(i32 width, i32 height) {
+  if (!device || width <= 0 || height <= 0) return;
+  SetSize(width, height);
+  host.RequestFrame();
 }
 
 void CRenderWindow::Shutdown() {
@@ -63,13 +75,48 @@ void CRenderWindow::Tick() {
   camera.SetRotationMatrix(MatrixRotationQuaternion(camera.CurrentRotation()));
   worldMatrix = MatrixMultiply(camera.RotationMatrix(), camera.TranslationMatrix());
   // Centred first, then turned, then moved away from the eye.
-  const Matrix4 shaderWorld = MatrixMultiply(modelOffset, worldMatrix);
+  frameWorld = MatrixMultiply(modelOffset, worldMatrix);
   const Matrix4 identity;
-  device->SetMatrices(shaderWorld, identity, identity, projectionMatrix);
+  device->SetMatrices(frameWorld, identity, identity, projectionMatrix);
+  // The views change nothing while they are off: the frame is the one without them.
+  if (views.wireframe) device->SetWireframe(true);
   for (const DrawNode& node : drawList) {
     const Technique technique = node.texture ? Technique::kRenderTextured : Technique::kRender;
     (void)device->Draw(technique, node.mesh, node.indexCount, node.texture);
   }
+  if (views.wireframe) device->SetWireframe(false);
+  if (views.skeleton && skeleton.vertexArray) device->DrawSkeleton(skeleton);
+}
+
+void CRenderWindow::SetViews(const PreviewViews& wanted) {
+  const bool skeletonChanged = wanted.skeleton != views.skeleton;
+  views = wanted;
+  if (skeletonChanged && modelShown) WriteSkeletonLine();
+  host.RequestFrame();
+}
+
+void CRenderWindow::Reframe() {
+  if (!modelShown) return;
+  camera.FrameBounds(&shownBounds[0], &shownBounds[3], horizontalFov, verticalFov, modelOffset);
+  host.RequestFrame();
+}
+
+void CRenderWindow::WriteSkeletonLine() {
+  infoText.SetLength(infoLength);
+  if (!views.skeleton) return;
+  if (!skeleton.vertexArray) {
+    infoText.AppendFormat("%s", kNoSkeletonLine);
+  } else {
+    infoText.AppendFormat("Skeleton: %s\r\n", skeletonName.Text());
+  }
+}
+
+void CRenderWindow::LoadSkeleton(const ActorFiles& files, ISkeletonSource* skeletons) {
+  const char* name = nullptr;
+  const RigSkeleton* rig = skeletons ? skeletons->ShownRig(files.actor, files.model, name) : nullptr;
+  BindSkeleton bind;
+  if (!rig || !BuildBindSkeleton(bind, *rig) || !device->CreateSkeleton(bind, skeleton)) return;
+  skeletonName.Assign(name ? name : "");
 }
 
 void CRenderWindow::HandleMouse(IMouseCapture& capture, u32 message, u32 buttons, i32 x, i32 y,
@@ -77,12 +124,15 @@ void CRenderWindow::HandleMouse(IMouseCapture& capture, u32 message, u32 buttons
   if (camera.HandleMessage(capture, message, buttons, x, y, captureToSelf)) host.RequestFrame();
 }
 
-bool CRenderWindow::LoadActor(const PackEntry* entry, const char* name, const MaterialDefinitionSet* materials) {
+bool CRenderWindow::LoadActor(const PackEntry* entry, const char* name, const MaterialDefinitionSet* materials,
+                              ISkeletonSource* skeletons) {
   host.RequestFrame();
   if (!device) return false;
   if (!host.MakeCurrent()) {
     // Without the context nothing can be freed or made; its objects went with it.
     (void)drawList.SetSize(0);
+    skeleton = GpuSkeleton{};
+    modelShown = false;
     return false;
   }
   // The old model goes before the new one is known to be good.
@@ -104,8 +154,12 @@ bool CRenderWindow::LoadActor(const PackEntry* entry, const char* name, const Ma
       return false;
     }
   }
-  const ModelBounds& bounds = files.model.bounds;
-  camera.FrameBounds(&bounds[0], &bounds[3], horizontalFov, verticalFov, modelOffset);
+  LoadSkeleton(files, skeletons);
+  infoLength = infoText.Length();
+  std::memcpy(shownBounds, files.model.bounds, sizeof(ModelBounds));
+  modelShown = true;
+  WriteSkeletonLine();
+  camera.FrameBounds(&shownBounds[0], &shownBounds[3], horizontalFov, verticalFov, modelOffset);
   return true;
 }
 
@@ -153,4 +207,7 @@ void CRenderWindow::ReleaseDrawList() {
   textures.cache.ReleaseAll();
   for (DrawNode& node : drawList) device->ReleaseMesh(node.mesh);
   (void)drawList.SetSize(0);
+  device->ReleaseSkeleton(skeleton);
+  skeletonName.Clear(false);
+  modelShown = false;
 }

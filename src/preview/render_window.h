@@ -3,11 +3,26 @@
 #include "assets/pack_index.h"
 #include "core/byte_buffer.h"
 #include "core/string_buffer.h"
+#include "gamedata/actor_files.h"
 #include "gamedata/material_definitions.h"
 #include "gamedata/model_file.h"
 #include "preview/arc_ball_camera.h"
 #include "preview/render_device.h"
 #include "preview/texture_cache.h"
+
+// Chooses the rig that the skeleton view shows for an actor: the one its conversion would take.
+class ISkeletonSource {
+ public:
+  virtual ~ISkeletonSource() = default;
+  // The rig, with the name it goes by in `name` (never null with a rig); null when the actor has none.
+  virtual const RigSkeleton* ShownRig(const ActorDefinition& actor, const ModelFile& model, const char*& name) = 0;
+};
+
+// The views for checking a model, both off at start.
+struct PreviewViews {
+  bool skeleton = false;   // the rig's bones over the model
+  bool wireframe = false;  // the triangles' edges only
+};
 
 // The preview as the application sees it. Main thread only.
 class IRenderWindow {
@@ -20,7 +35,9 @@ class IRenderWindow {
   // Draws a frame.
   virtual void Tick() = 0;
   // Shows the actor definition of `entry`, listed as `name`; false when it can't be shown.
-  virtual bool LoadActor(const PackEntry* entry, const char* name, const MaterialDefinitionSet* materials) = 0;
+  // `skeletons` picks the rig of the skeleton view; null: the actor shows none.
+  virtual bool LoadActor(const PackEntry* entry, const char* name, const MaterialDefinitionSet* materials,
+                         ISkeletonSource* skeletons) = 0;
   // The info panel's text, never null; valid until the next LoadActor.
   virtual const char* GetInfoText() = 0;
 };
@@ -52,8 +69,18 @@ class CRenderWindow final : public IRenderWindow {
   bool Init(PackIndex* packIndex) override;
   void Shutdown() override;
   void Tick() override;
-  bool LoadActor(const PackEntry* entry, const char* name, const MaterialDefinitionSet* materials) override;
+  bool LoadActor(const PackEntry* entry, const char* name, const MaterialDefinitionSet* materials,
+                 ISkeletonSource* skeletons) override;
   const char* GetInfoText() override { return infoText.Text(); }
+
+  // Turns the views on or off; the info text names the skeleton while its view is on.
+  void SetViews(const PreviewViews& views);
+  const PreviewViews& Views() const { return views; }
+  // Frames the shown model again, as loading it did: turned and moved back to where it started.
+  void Reframe();
+  // The control's drawable is now `width` x `height` pixels, as when the window is fitted to
+  // another screen: projection and gestures follow.
+  void Resize(i32 width, i32 height);
 
   // A mouse message of the control; `capture` takes and gives back the pointer.
   void HandleMouse(IMouseCapture& capture, u32 message, u32 buttons, i32 x, i32 y, bool captureToSelf = false);
@@ -61,6 +88,10 @@ class CRenderWindow final : public IRenderWindow {
   const ArcBallCamera& Camera() const { return camera; }
   const Matrix4& ModelOffset() const { return modelOffset; }
   const Matrix4& Projection() const { return projectionMatrix; }
+  // The model's matrix of the last frame, offset and camera together: the meshes' world.
+  const Matrix4& FrameWorld() const { return frameWorld; }
+  // The skeleton of the shown actor on the device; all 0 when it has none.
+  const GpuSkeleton& Skeleton() const { return skeleton; }
   u32 DrawCount() const { return drawList.Count(); }
   const DrawNode& DrawAt(u32 index) const { return drawList[index]; }
   f32 HorizontalFov() const { return horizontalFov; }
@@ -70,6 +101,10 @@ class CRenderWindow final : public IRenderWindow {
   bool BuildDrawNode(const ModelMaterial& material, const ModelMesh& mesh, const MaterialDefinitionSet& materials);
   u32 GetTexture(const char* name);
   void ReleaseDrawList();
+  void SetSize(i32 width, i32 height);
+  void LoadSkeleton(const ActorFiles& files, ISkeletonSource* skeletons);
+  // The info text of the shown actor, with the skeleton's line while its view is on.
+  void WriteSkeletonLine();
 
   IRenderHost& host;
   ArcBallCamera camera;
@@ -81,7 +116,14 @@ class CRenderWindow final : public IRenderWindow {
   Matrix4 worldMatrix;
   Matrix4 modelOffset;
   Matrix4 projectionMatrix;
+  Matrix4 frameWorld;
   TArray<DrawNode> drawList;  // in mesh order, which is the drawing order
+  GpuSkeleton skeleton;
+  TStringBufferA<128> skeletonName;  // the shown rig's name; meaningful while `skeleton` is held
+  ModelBounds shownBounds = {};
+  bool modelShown = false;  // a model was framed, and Reframe has bounds
+  u32 infoLength = 0;       // the info text's length without the skeleton's line
+  PreviewViews views;
   TextureSource textures;
   CStringBufferA infoText;
   f32 verticalFov = 0;

@@ -2,6 +2,9 @@
 
 #include <QCheckBox>
 #include <QCloseEvent>
+#include <QDragEnterEvent>
+#include <QDropEvent>
+#include <QShortcut>
 #include <QComboBox>
 #include <QKeyEvent>
 #include <QLabel>
@@ -10,6 +13,10 @@
 #include <QPlainTextEdit>
 #include <QProgressBar>
 #include <QPushButton>
+#include <QScreen>
+#include <QWindow>
+#include <algorithm>
+#include <cmath>
 
 #include "app/batch_worker.h"
 #include "app/file_list.h"
@@ -17,9 +24,18 @@
 #include "app/open_game_folder.h"
 #include "app/worker.h"
 #include "ui/dialog_units.h"
+#include "ui/dropped_game_folder.h"
 #include "ui/render_control.h"
 
 namespace {
+
+constexpr int kTemplateWidth = 904;
+constexpr int kTemplateHeight = 449;
+// Room kept for the frame a window manager puts around the window, while it hasn't said how much
+// that is (and where there is none, as on a bare X server).
+constexpr QMargins kFrameAllowance{4, 30, 4, 4};
+// A change of the fit smaller than this keeps the layout as it is.
+constexpr double kFitTolerance = 1e-4;
 
 QListView* MakeListView(QWidget* parent, ItemListModel* model,
                         QAbstractItemView::SelectionMode mode = QAbstractItemView::SingleSelection) {
@@ -38,80 +54,77 @@ MainWindow::MainWindow(AppState& state) : app(state) {
   setWindowTitle(QStringLiteral("Tarnwick"));
   setWindowFlags(Qt::Window | Qt::WindowTitleHint |
                  Qt::WindowSystemMenuHint | Qt::WindowMinimizeButtonHint | Qt::WindowCloseButtonHint);
-  QFont dialogFont = font();
-  dialogFont.setPointSize(8);
-  setFont(dialogFont);
-  const DialogUnits units(dialogFont);
-  setFixedSize(units.ToPixels(904, 449));
 
   // In the template's order, which is also the tab order.
   auto* fileModel = new ItemListModel(true, this);
   // Several actors may be selected for one Convert; the preview shows the one clicked last.
   fileView = MakeListView(this, fileModel, QAbstractItemView::ExtendedSelection);
-  fileView->setGeometry(units.ToPixels(6, 24, 258, 204));
+  Place(fileView, {6, 24, 258, 204});
   windowSystem.AddList(kFileList, fileModel, fileView);
 
   searchEdit = new QLineEdit(this);
-  searchEdit->setGeometry(units.ToPixels(6, 6, 144, 14));
-  searchEdit->installEventFilter(this);
+  Place(searchEdit, {6, 6, 144, 14});
   windowSystem.AddControl(kSearchEdit, searchEdit);
 
   auto* logModel = new ItemListModel(false, this);
   QListView* logView = MakeListView(this, logModel);
-  logView->setGeometry(units.ToPixels(6, 258, 258, 59));
+  Place(logView, {6, 258, 258, 59});
   windowSystem.AddList(kLogList, logModel, logView);
 
   convertButton = new QPushButton(QStringLiteral("Convert"), this);
-  convertButton->setGeometry(units.ToPixels(222, 6, 42, 14));
+  Place(convertButton, {222, 6, 42, 14});
   windowSystem.AddControl(kConvertButton, convertButton);
 
   // Beside Convert, seen only while a conversion of several actors runs.
   cancelButton = new QPushButton(QStringLiteral("Cancel"), this);
-  cancelButton->setGeometry(units.ToPixels(174, 6, 44, 14));
+  Place(cancelButton, {174, 6, 44, 14});
   cancelButton->hide();
   windowSystem.AddControl(kCancelButton, cancelButton);
 
   // In the free strip between the game selector and the log; off, Convert writes the model alone.
   texturesCheck = new QCheckBox(QStringLiteral("Export textures"), this);
-  texturesCheck->setGeometry(units.ToPixels(6, 248, 100, 10));
+  Place(texturesCheck, {6, 248, 100, 10});
 
   auto* gameModel = new ItemListModel(false, this);
   auto* gameCombo = new QComboBox(this);
   gameCombo->setModel(gameModel);
-  gameCombo->setGeometry(units.ToPixels(6, 234, 66, 14));
+  Place(gameCombo, {6, 234, 66, 14});
   windowSystem.AddCombo(kGameCombo, gameModel, gameCombo);
 
   // Under the progress bar, in the selector's strip: any installation folder becomes a game.
   openFolderButton = new QPushButton(QStringLiteral("Open folder..."), this);
-  openFolderButton->setGeometry(units.ToPixels(200, 247, 64, 10));
+  Place(openFolderButton, {200, 247, 64, 10});
   windowSystem.AddControl(kOpenFolderButton, openFolderButton);
 
   auto* searchButton = new QPushButton(QStringLiteral(">"), this);
-  searchButton->setGeometry(units.ToPixels(156, 6, 13, 14));
+  Place(searchButton, {156, 6, 13, 14});
   windowSystem.AddControl(kSearchButton, searchButton);
 
   auto* gameButton = new QPushButton(QStringLiteral(">"), this);
-  gameButton->setGeometry(units.ToPixels(78, 234, 13, 14));
+  Place(gameButton, {78, 234, 13, 14});
   windowSystem.AddControl(kGameButton, gameButton);
 
   auto* progressBar = new QProgressBar(this);
-  progressBar->setGeometry(units.ToPixels(186, 234, 78, 12));
+  Place(progressBar, {186, 234, 78, 12});
   progressBar->setTextVisible(false);
   windowSystem.AddControl(kProgressBar, progressBar);
 
   auto* statusText = new QLabel(QStringLiteral("Static"), this);
-  statusText->setGeometry(units.ToPixels(96, 234, 90, 8));
+  Place(statusText, {96, 234, 90, 8});
   windowSystem.AddControl(kStatusText, statusText);
 
   renderControl = RenderControl::Create(this);
-  renderControl->Container()->setGeometry(units.ToPixels(270, 6, 630, 438));
+  Place(renderControl->Container(), {270, 6, 630, 438});
   windowSystem.AddControl(kRenderControl, renderControl->Container());
   windowSystem.SetRenderWindow(&renderControl->Preview());
+  // The skeleton view names its rig in the panel while it is on.
+  renderControl->OnViewsChanged(
+      [this] { windowSystem.SetText(kInfoText, renderControl->Preview().GetInfoText()); });
 
   auto* infoText = new QPlainTextEdit(this);
   infoText->setReadOnly(true);
   infoText->setLineWrapMode(QPlainTextEdit::NoWrap);
-  infoText->setGeometry(units.ToPixels(6, 324, 258, 120));
+  Place(infoText, {6, 324, 258, 120});
   windowSystem.AddControl(kInfoText, infoText);
 
   // Only the user's changes of the selection show an actor; the window system's own don't.
@@ -125,6 +138,125 @@ MainWindow::MainWindow(AppState& state) : app(state) {
   QObject::connect(gameButton, &QPushButton::clicked, this, [this] { OnGameButton(app); });
   QObject::connect(openFolderButton, &QPushButton::clicked, this,
                    [this] { OnOpenFolderButton(app, gameFolderDialog); });
+  CreateShortcuts();
+  setAcceptDrops(true);
+  FitToScreen();
+}
+
+void MainWindow::Place(QWidget* control, QRect units) {
+  placed.push_back({control, units});
+  control->installEventFilter(this);
+}
+
+QMargins MainWindow::FrameMargins() const {
+  const QMargins frame = windowHandle() ? windowHandle()->frameMargins() : QMargins();
+  return frame.isNull() ? kFrameAllowance : frame;
+}
+
+bool MainWindow::FitToScreen() {
+  const QScreen* shownOn = screen();
+  const double dpiScale = DialogUnits::DpiScale(shownOn);
+  const QSize natural = DialogUnits(dpiScale, 1.0).ToPixels(kTemplateWidth, kTemplateHeight);
+  const QRect available = shownOn ? shownOn->availableGeometry() : QRect(QPoint(), natural);
+  const double wanted = DialogUnits::FitFactor(natural, available.marginsRemoved(FrameMargins()).size());
+  if (std::abs(wanted - fit) < kFitTolerance) return false;
+  fit = wanted;
+  const DialogUnits units(dpiScale, fit);
+  // Children take the window's font unless they set their own.
+  setFont(units.DialogFont(font()));
+  setFixedSize(units.ToPixels(kTemplateWidth, kTemplateHeight));
+  for (const Placed& control : placed) {
+    const QRect& r = control.units;
+    control.control->setGeometry(units.ToPixels(r.x(), r.y(), r.width(), r.height()));
+  }
+  return true;
+}
+
+void MainWindow::showEvent(QShowEvent* event) {
+  FitToScreen();
+  if (!centred) {
+    // Centred in the screen's free area, frame included, as the template asks.
+    centred = true;
+    if (QWindow* handle = windowHandle()) {
+      QObject::connect(handle, &QWindow::screenChanged, this, [this] { FitToScreen(); });
+    }
+    if (const QScreen* shownOn = screen()) {
+      const QRect outer = QRect(QPoint(), size()).marginsAdded(FrameMargins());
+      const QRect area = shownOn->availableGeometry();
+      move(area.x() + (area.width() - outer.width()) / 2, area.y() + (area.height() - outer.height()) / 2);
+    }
+  }
+  QWidget::showEvent(event);
+}
+
+void MainWindow::moveEvent(QMoveEvent* event) {
+  // Fitted anew, the frame may still reach past the free area where it was placed: back inside.
+  // A window the user moves partly off the screen stays where it was put.
+  const bool refitted = FitToScreen();
+  const QScreen* shownOn = screen();
+  if (refitted && centred && shownOn && !shownOn->availableGeometry().contains(frameGeometry())) {
+    const QRect area = shownOn->availableGeometry();
+    const QRect outer = frameGeometry();
+    move(std::clamp(outer.x(), area.x(), std::max(area.x(), area.right() + 1 - outer.width())),
+         std::clamp(outer.y(), area.y(), std::max(area.y(), area.bottom() + 1 - outer.height())));
+  }
+  QWidget::moveEvent(event);
+}
+
+void MainWindow::CreateShortcuts() {
+  // `action` runs for `keys` anywhere in the window; a tooltip on `shown` names the keys.
+  const auto add = [this](const QKeySequence& keys, QWidget* shown, const char* tip, auto action) {
+    auto* shortcut = new QShortcut(keys, this);
+    QObject::connect(shortcut, &QShortcut::activated, this, action);
+    if (shown) {
+      shown->setToolTip(QStringLiteral("%1 (%2)").arg(QString::fromUtf8(tip), keys.toString(QKeySequence::NativeText)));
+    }
+  };
+  // A button's key does what a click does, and nothing while the button can't be clicked.
+  const auto clickIfEnabled = [](QPushButton* button) {
+    return [button] {
+      if (button->isVisible() && button->isEnabled()) button->click();
+    };
+  };
+  add(QKeySequence(Qt::CTRL | Qt::Key_F), searchEdit, "Search the actors with a wildcard pattern, then Return",
+      [this] {
+        if (!searchEdit->isEnabled()) return;
+        searchEdit->setFocus(Qt::ShortcutFocusReason);
+        searchEdit->selectAll();
+      });
+  add(QKeySequence(Qt::CTRL | Qt::Key_S), convertButton, "Convert the selected actors", clickIfEnabled(convertButton));
+  add(QKeySequence(Qt::CTRL | Qt::Key_O), openFolderButton, "Open a game's installation folder",
+      clickIfEnabled(openFolderButton));
+  add(QKeySequence(Qt::Key_Escape), cancelButton, "Stop the conversions after the ones under way",
+      clickIfEnabled(cancelButton));
+  add(QKeySequence(Qt::CTRL | Qt::Key_Q), nullptr, "", [this] { close(); });
+  renderControl->Container()->setToolTip(
+      QStringLiteral("Left drag turns, right drag pans, middle drag moves nearer or farther.\n"
+                     "F or Home frames the model again, B shows the skeleton, W the wireframe."));
+}
+
+void MainWindow::StepIntoFileList() {
+  const QAbstractItemModel* model = fileView->model();
+  if (model->rowCount() == 0) return;
+  const QModelIndex current = fileView->currentIndex();
+  const int row = current.isValid() ? std::min(current.row() + 1, model->rowCount() - 1) : 0;
+  fileView->setFocus(Qt::TabFocusReason);
+  fileView->selectionModel()->setCurrentIndex(model->index(row, 0), QItemSelectionModel::ClearAndSelect);
+}
+
+void MainWindow::dragEnterEvent(QDragEnterEvent* event) {
+  if (Idle(app) && !DroppedGameFolder(event->mimeData()).isEmpty()) event->acceptProposedAction();
+}
+
+void MainWindow::dragMoveEvent(QDragMoveEvent* event) {
+  if (Idle(app) && !DroppedGameFolder(event->mimeData()).isEmpty()) event->acceptProposedAction();
+}
+
+void MainWindow::dropEvent(QDropEvent* event) {
+  const QString folder = DroppedGameFolder(event->mimeData());
+  if (folder.isEmpty()) return;
+  event->acceptProposedAction();
+  OpenGameFolder(app, folder.toUtf8().constData());
 }
 
 MainWindow::~MainWindow() {
@@ -152,10 +284,22 @@ void MainWindow::closeEvent(QCloseEvent* event) {
 }
 
 bool MainWindow::eventFilter(QObject* watched, QEvent* event) {
-  if (watched != searchEdit) return QWidget::eventFilter(watched, event);
   const auto type = event->type();
+  // Disabling the control with the keyboard sends the focus on to the next one: a search from the
+  // search box would leave the keys elsewhere. It goes back once the control is enabled again.
+  auto* control = qobject_cast<QWidget*>(watched);
+  if (type == QEvent::FocusOut && control && !control->isEnabled()) focusBeforeBusy = control;
+  if (type == QEvent::EnabledChange && control && control == focusBeforeBusy && control->isEnabled()) {
+    focusBeforeBusy = nullptr;
+    if (isActiveWindow()) control->setFocus(Qt::OtherFocusReason);
+  }
+  if (watched != searchEdit) return QWidget::eventFilter(watched, event);
   if (type != QEvent::KeyPress && type != QEvent::KeyRelease) return false;
   const int key = static_cast<QKeyEvent*>(event)->key();
+  if (key == Qt::Key_Down && type == QEvent::KeyPress) {
+    StepIntoFileList();
+    return true;
+  }
   if (key != Qt::Key_Return && key != Qt::Key_Enter) return false;
   // Return searches when it is released; its press never reaches the edit, nor rings or inserts.
   if (type == QEvent::KeyRelease && !static_cast<QKeyEvent*>(event)->isAutoRepeat()) SearchRequest(app);

@@ -1,6 +1,9 @@
 #pragma once
 
+#include <QPointer>
+#include <QRect>
 #include <QWidget>
+#include <vector>
 
 #include "app/app_state.h"
 #include "app/game_search.h"
@@ -17,7 +20,7 @@ class RenderControl;
 
 // The program's one window, "Tarnwick": file list and search at the top left, the game selector
 // and status below them, the log and the info panel, and the preview on the right. Nothing in it
-// moves or resizes.
+// moves or resizes; on a screen too small for it the whole dialog is drawn smaller, as one.
 class MainWindow final : public QWidget {
  public:
   explicit MainWindow(AppState& app);
@@ -37,12 +40,39 @@ class MainWindow final : public QWidget {
   QPushButton& CancelButton() { return *cancelButton; }
   QPushButton& OpenFolderButton() { return *openFolderButton; }
   QCheckBox& TexturesCheck() { return *texturesCheck; }
+  // The factor by which the dialog is drawn smaller than its template to fit the screen; 1 when
+  // it fits.
+  double Fit() const { return fit; }
 
  protected:
   void closeEvent(QCloseEvent* event) override;
   bool eventFilter(QObject* watched, QEvent* event) override;
+  void showEvent(QShowEvent* event) override;
+  // A window manager says how wide its frame is only once the window is up, by moving it.
+  void moveEvent(QMoveEvent* event) override;
+  // A folder or a game's first pack dropped on the window opens as "Open folder..." opens it.
+  void dragEnterEvent(QDragEnterEvent* event) override;
+  void dragMoveEvent(QDragMoveEvent* event) override;
+  void dropEvent(QDropEvent* event) override;
 
  private:
+  // A control and its place in the template, in dialog units.
+  struct Placed {
+    QWidget* control;
+    QRect units;
+  };
+
+  void Place(QWidget* control, QRect units);
+  // The keys of the buttons, the search box and quitting, each named in its control's tooltip.
+  void CreateShortcuts();
+  // From the search box, Down goes on to the file list and selects its next item.
+  void StepIntoFileList();
+  // Sizes the dialog, its font and every control for the screen the window is on; false when they
+  // were sized so already.
+  bool FitToScreen();
+  // The window manager's frame, or room for a usual one while it is unknown.
+  QMargins FrameMargins() const;
+
   AppState& app;
   QtWindowSystem windowSystem;
   QtSaveDialog saveDialog{this};
@@ -56,4 +86,9 @@ class MainWindow final : public QWidget {
   QPushButton* openFolderButton = nullptr;
   QCheckBox* texturesCheck = nullptr;
   RenderControl* renderControl = nullptr;  // owned by its container, a child of this window
+  std::vector<Placed> placed;  // in the template's order
+  double fit = 0;  // 0 until the first layout
+  bool centred = false;  // placed on the first show, which also starts following its screen
+  // The control that had the keyboard until a worker disabled it; it has it back when enabled.
+  QPointer<QWidget> focusBeforeBusy;
 };

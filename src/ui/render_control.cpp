@@ -3,10 +3,12 @@
 #include <QCoreApplication>
 #include <QElapsedTimer>
 #include <QGuiApplication>
+#include <QKeyEvent>
 #include <QMouseEvent>
 #include <QSurfaceFormat>
 #include <QWheelEvent>
 #include <QWidget>
+#include <QWindow>
 
 namespace {
 
@@ -129,6 +131,11 @@ void RenderControl::RequestFrame() {
 
 void RenderControl::paintGL() { preview.Tick(); }
 
+void RenderControl::resizeGL(int width, int height) {
+  const qreal ratio = devicePixelRatioF();
+  preview.Resize(i32(width * ratio), i32(height * ratio));
+}
+
 void RenderControl::SetCapture() {
   captured = true;
   setMouseGrabEnabled(true);
@@ -163,7 +170,11 @@ void RenderControl::Forward(QMouseEvent* event, u32 message) {
   preview.HandleMouse(*this, message, ButtonFlags(event->buttons()), i32(at.x()), i32(at.y()));
 }
 
-void RenderControl::mousePressEvent(QMouseEvent* event) { Forward(event, ButtonMessage(event->button(), 0)); }
+void RenderControl::mousePressEvent(QMouseEvent* event) {
+  // A click gives the preview the keyboard, for its view keys; the toolkit leaves it where it was.
+  if (container && container->isEnabled() && !isActive()) requestActivate();
+  Forward(event, ButtonMessage(event->button(), 0));
+}
 
 void RenderControl::mouseReleaseEvent(QMouseEvent* event) { Forward(event, ButtonMessage(event->button(), 1)); }
 
@@ -172,3 +183,45 @@ void RenderControl::mouseDoubleClickEvent(QMouseEvent* event) { Forward(event, B
 void RenderControl::mouseMoveEvent(QMouseEvent* event) { Forward(event, kMouseMove); }
 
 void RenderControl::wheelEvent(QWheelEvent* event) { event->accept(); }
+
+void RenderControl::LeaveByTab(bool forward) {
+  if (!container) return;
+  QWidget* next = container;
+  do {
+    next = forward ? next->nextInFocusChain() : next->previousInFocusChain();
+  } while (next != container && !(next->isEnabled() && next->isVisible() && (next->focusPolicy() & Qt::TabFocus)));
+  if (next == container) return;
+  if (QWindow* top = container->window()->windowHandle()) top->requestActivate();
+  next->setFocus(forward ? Qt::TabFocusReason : Qt::BacktabFocusReason);
+}
+
+void RenderControl::keyPressEvent(QKeyEvent* event) {
+  // The preview is a window of its own, so the dialog's Tab would stay in it: it goes on in the
+  // template's order from here.
+  if (event->key() == Qt::Key_Tab || event->key() == Qt::Key_Backtab) {
+    LeaveByTab(event->key() == Qt::Key_Tab && !(event->modifiers() & Qt::ShiftModifier));
+    return;
+  }
+  if (event->modifiers() & ~Qt::KeypadModifier) {
+    event->ignore();
+    return;
+  }
+  PreviewViews views = preview.Views();
+  switch (event->key()) {
+    case Qt::Key_F:
+    case Qt::Key_Home:
+      preview.Reframe();
+      return;
+    case Qt::Key_B:
+      views.skeleton = !views.skeleton;
+      break;
+    case Qt::Key_W:
+      views.wireframe = !views.wireframe;
+      break;
+    default:
+      event->ignore();
+      return;
+  }
+  preview.SetViews(views);
+  if (viewsChanged) viewsChanged();
+}

@@ -3,6 +3,7 @@
 #include <QImage>
 #include <QOpenGLWindow>
 #include <QTimer>
+#include <functional>
 #include <memory>
 
 #include "preview/arc_ball_camera.h"
@@ -30,14 +31,19 @@ class RenderControl final : public QOpenGLWindow, private IRenderHost, private I
   bool WaitForContext(int timeoutMs);
   // Draws a frame now and gives its pixels; null without graphics.
   QImage RenderFrame();
+  // Called after a key turned a view on or off, for the info panel to follow.
+  void OnViewsChanged(std::function<void()> changed) { viewsChanged = std::move(changed); }
 
  protected:
   void paintGL() override;
+  void resizeGL(int width, int height) override;
   void mousePressEvent(QMouseEvent* event) override;
   void mouseDoubleClickEvent(QMouseEvent* event) override;
   void mouseReleaseEvent(QMouseEvent* event) override;
   void mouseMoveEvent(QMouseEvent* event) override;
   void wheelEvent(QWheelEvent* event) override;
+  // F or Home frames the model again, B shows the skeleton, W the wireframe.
+  void keyPressEvent(QKeyEvent* event) override;
   bool event(QEvent* event) override;
   bool eventFilter(QObject* watched, QEvent* event) override;
 
@@ -54,6 +60,8 @@ class RenderControl final : public QOpenGLWindow, private IRenderHost, private I
   void Forward(QMouseEvent* event, u32 message);
   // The pointer was taken away: a drag under way ends and the grab goes.
   void LoseCapture();
+  // Gives the keyboard to the next control of the window that takes it by Tab, or the one before.
+  void LeaveByTab(bool forward);
 
   QWidget* container = nullptr;
   std::unique_ptr<GlRenderDevice> device;
@@ -61,4 +69,5 @@ class RenderControl final : public QOpenGLWindow, private IRenderHost, private I
   QTimer frameTimer;
   bool framePending = false;
   bool captured = false;
+  std::function<void()> viewsChanged;
 };

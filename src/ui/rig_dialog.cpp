@@ -4,6 +4,7 @@
 #include <QLabel>
 #include <QListView>
 #include <QPushButton>
+#include <QScreen>
 
 #include "ui/dialog_units.h"
 #include "ui/item_list_model.h"
@@ -18,7 +19,8 @@ i32 QtRigDialog::Run(const RigCandidate* candidates, const RigSkeleton*& selecte
   QDialog dialog(parent);
   dialog.setWindowTitle(QStringLiteral("Rig select"));
   dialog.setObjectName(QStringLiteral("rigDialog"));
-  const DialogUnits units(dialog.font());
+  const DialogUnits units(DialogUnits::DpiScale(parent ? parent->screen() : nullptr), 1.0);
+  dialog.setFont(units.DialogFont(dialog.font()));
   dialog.setFixedSize(units.ToPixels(316, 185));
 
   auto* prompt = new QLabel(QStringLiteral("Select rig to use for:"), &dialog);

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "app/convert_questions.h"
+#include "app/rig_choice.h"
 
 class QWidget;
 
@@ -12,7 +13,7 @@ class QtRigDialog final : public IRigDialog {
   i32 Run(const RigCandidate* candidates, const RigSkeleton*& selected) override;
 
   // Shown for a rig whose set has no name.
-  static constexpr const char* kUnnamed = "(unnamed rig)";
+  static constexpr const char* kUnnamed = kUnnamedRig;
 
  private:
   QWidget* parent;

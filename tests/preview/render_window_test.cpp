@@ -25,6 +25,8 @@ class FakeDevice final : public IRenderDevice {
     Technique technique;
     u32 indexCount;
     u32 texture;
+    bool wireframe = false;
+    bool skeleton = false;  // a DrawSkeleton call, over everything before it
   };
 
   bool CreateMesh(const PreviewMesh& mesh, GpuMesh& out) override {
@@ -52,8 +54,24 @@ class FakeDevice final : public IRenderDevice {
     world = worldMatrix;
   }
   bool Draw(Technique technique, const GpuMesh&, u32 indexCount, u32 texture) override {
-    draws.push_back({technique, indexCount, texture});
+    draws.push_back({technique, indexCount, texture, wireframe});
     return true;
+  }
+  bool CreateSkeleton(const BindSkeleton& skeleton, GpuSkeleton& out) override {
+    out = {++lastHandle, 0, 0, skeleton.joints.Count(), skeleton.lines.Count()};
+    ++liveSkeletons;
+    return true;
+  }
+  void ReleaseSkeleton(GpuSkeleton& skeleton) override {
+    if (skeleton.vertexArray) --liveSkeletons;
+    skeleton = GpuSkeleton{};
+  }
+  void DrawSkeleton(const GpuSkeleton& skeleton) override {
+    draws.push_back({Technique::kRender, skeleton.lineIndexCount, skeleton.jointCount, wireframe, true});
+  }
+  void SetWireframe(bool on) override {
+    wireframe = on;
+    ++wireframeCalls;
   }
 
   u32 lastHandle = 0;
@@ -65,6 +83,9 @@ class FakeDevice final : public IRenderDevice {
   f32 clearDepth = 0;
   Matrix4 world;
   std::vector<DrawCall> draws;
+  i32 liveSkeletons = 0;
+  bool wireframe = false;
+  i32 wireframeCalls = 0;
 };
 
 class FakeHost final : public IRenderHost {
@@ -102,8 +123,8 @@ class RenderWindowTest : public ::testing::Test {
     ASSERT_TRUE(preview.Init(&packs));
   }
   // Shows the listed actor `name`, as a click on it does.
-  bool Load(const char* name, const MaterialDefinitionSet* with) {
-    return preview.LoadActor(packs.Find(name), name, with);
+  bool Load(const char* name, const MaterialDefinitionSet* with, ISkeletonSource* skeletons = nullptr) {
+    return preview.LoadActor(packs.Find(name), name, with, skeletons);
   }
   // The actor `name` over `model`, with the catalogue and `extra` files.
   std::vector<PackFileEntry> Game(const testsupport::SkinnedActor& model, std::vector<PackFileEntry> extra = {}) {
@@ -175,6 +196,18 @@ TEST_F(RenderWindowTest, FramesTheModelsBox) {
   EXPECT_FLOAT_EQ(world.m[0][0], 1.0f);
 }
 
+TEST_F(RenderWindowTest, AResizeKeepsTheVerticalViewAndWidensTheHorizontal) {
+  Open(Game(testsupport::BuildSkinnedActor({.gridSize = 2, .boneCount = 1})));
+  const Matrix4 square = preview.Projection();  // 200 x 200
+  const i32 requested = host.framesRequested;
+  preview.Resize(400, 200);
+  EXPECT_FLOAT_EQ(preview.Projection().m[1][1], square.m[1][1]);
+  EXPECT_FLOAT_EQ(preview.Projection().m[0][0], square.m[0][0] / 2);
+  EXPECT_GT(host.framesRequested, requested);
+  preview.Resize(0, 200);  // a window being hidden: nothing to draw into, nothing changes
+  EXPECT_FLOAT_EQ(preview.Projection().m[0][0], square.m[0][0] / 2);
+}
+
 TEST_F(RenderWindowTest, FailedLoadsEmptyThePreviewAndKeepTheTextUpToTheirFailure) {
   testsupport::SkinnedActorDesc desc{.meshCount = 2, .gridSize = 2, .boneCount = 1};
   testsupport::SkinnedActor model = testsupport::BuildSkinnedActor(desc);
@@ -238,10 +271,90 @@ TEST(RenderWindowHollow, WithoutGraphicsEveryCallDoesNothing) {
   PackIndex packs;
   EXPECT_FALSE(preview.Init(&packs));
   MaterialDefinitionSet materials;
-  EXPECT_FALSE(preview.LoadActor(nullptr, "actors\\thing.adr", &materials));
+  EXPECT_FALSE(preview.LoadActor(nullptr, "actors\\thing.adr", &materials, nullptr));
   preview.Tick();
   EXPECT_TRUE(host.device.draws.empty());
   EXPECT_EQ(host.closed, 0);
+}
+
+// Gives one rig of three bones, a root with two children, to every actor; or none.
+class FixedRig final : public ISkeletonSource {
+ public:
+  FixedRig() {
+    EXPECT_TRUE(rig.bones.SetSize(3));
+    for (u32 i = 0; i < 3; ++i) {
+      rig.bones[i].parent = i == 0 ? -1 : 0;
+      rig.bones[i].translation[1] = f32(i);
+    }
+  }
+  const RigSkeleton* ShownRig(const ActorDefinition&, const ModelFile& model, const char*& name) override {
+    ++asked;
+    bones = model.bones.Count();
+    if (!give) return nullptr;
+    name = "Walk";
+    return &rig;
+  }
+
+  RigSkeleton rig;
+  bool give = true;
+  i32 asked = 0;
+  u32 bones = 0;  // of the model it was last asked about
+};
+
+class PreviewViewsTest : public RenderWindowTest {
+ protected:
+  void SetUp() override {
+    Open(Game(testsupport::BuildSkinnedActor({.meshCount = 2, .gridSize = 2, .boneCount = 2})));
+    ASSERT_TRUE(Load("actors\\thing.adr", &materials, &rigs));
+    base = preview.GetInfoText();
+  }
+  // The calls of one frame.
+  std::vector<FakeDevice::DrawCall> Frame() {
+    preview.Tick();
+    return host.device.draws;
+  }
+
+  FixedRig rigs;
+  std::string base;
+};
+
+TEST_F(PreviewViewsTest, OffTheyChangeNeitherTheFrameNorThePanel) {
+  EXPECT_EQ(rigs.asked, 1);
+  EXPECT_EQ(rigs.bones, 2u);
+  EXPECT_EQ(host.device.liveSkeletons, 1) << "made with the model, drawn when asked";
+  const auto frame = Frame();
+  ASSERT_EQ(frame.size(), 2u);
+  for (const auto& draw : frame) EXPECT_FALSE(draw.skeleton || draw.wireframe);
+  EXPECT_EQ(host.device.wireframeCalls, 0);
+  EXPECT_EQ(base.find("Skeleton"), std::string::npos);
+}
+
+TEST_F(PreviewViewsTest, EachViewDrawsAsItsKeySays) {
+  const struct {
+    PreviewViews views;
+    size_t calls;
+    bool lastIsSkeleton, meshesInWireframe;
+  } cases[] = {
+      {{.skeleton = true}, 3, true, false},
+      {{.wireframe = true}, 2, false, true},
+      {{.skeleton = true, .wireframe = true}, 3, true, true},
+      {{}, 2, false, false},
+  };
+  for (const auto& c : cases) {
+    const i32 requested = host.framesRequested;
+    preview.SetViews(c.views);
+    EXPECT_GT(host.framesRequested, requested) << "a change is drawn";
+    const auto frame = Frame();
+    ASSERT_EQ(frame.size(), c.calls);
+    EXPECT_EQ(frame.back().skeleton, c.lastIsSkeleton);
+    EXPECT_EQ(frame.front().wireframe, c.meshesInWireframe);
+    EXPECT_FALSE(host.device.wireframe) << "left as it was found";
+    if (c.lastIsSkeleton) {
+      EXPECT_EQ(frame.back().texture, 3u) << "three joints";
+      EXPECT_EQ(frame.back().indexCount, 4u) << "two bones to their parent";
+      EXPECT_FALSE(frame.back().wireframe);
+    }
+  }
 }
 
 }  // namespace

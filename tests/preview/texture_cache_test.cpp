@@ -20,6 +20,10 @@ class CountingDevice final : public IRenderDevice {
   void Clear(const f32*, f32) override {}
   void SetMatrices(const Matrix4&, const Matrix4&, const Matrix4&, const Matrix4&) override {}
   bool Draw(Technique, const GpuMesh&, u32, u32) override { return false; }
+  bool CreateSkeleton(const BindSkeleton&, GpuSkeleton&) override { return false; }
+  void ReleaseSkeleton(GpuSkeleton&) override {}
+  void DrawSkeleton(const GpuSkeleton&) override {}
+  void SetWireframe(bool) override {}
 
   std::vector<u32> released;
 };

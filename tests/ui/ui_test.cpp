@@ -1,46 +1,20 @@
 // The desktop program on a real display (Xvfb with software OpenGL): the sample game from start-up
 // to a drawn frame and a written file.
-#include <gtest/gtest.h>
-
-#include <QApplication>
 #include <QComboBox>
-#include <QCoreApplication>
-#include <QDir>
-#include <QElapsedTimer>
-#include <QFileDialog>
 #include <QImage>
 #include <QKeyEvent>
 #include <QLineEdit>
 #include <QMouseEvent>
-#include <QScreen>
-#include <QListView>
 #include <QPushButton>
-#include <QThread>
-#include <QTimer>
-#include <cstdlib>
-#include <functional>
-#include <string>
+#include <QScreen>
 
-#include "app/app_state.h"
 #include "preview/render_window.h"
 #include "support/fbx_reader.h"
-#include "support/sample_game.h"
-#include "support/temp_dir.h"
-#include "ui/main_window.h"
-#include "ui/render_control.h"
+#include "ui/desktop_test.h"
 
 namespace {
 
-bool PumpUntil(const std::function<bool()>& done, int timeoutMs = 30000) {
-  QElapsedTimer clock;
-  clock.start();
-  while (!done()) {
-    if (clock.elapsed() > timeoutMs) return false;
-    QCoreApplication::processEvents(QEventLoop::AllEvents, 10);
-    QThread::msleep(1);
-  }
-  return true;
-}
+using namespace desktoptest;
 
 // Equal but for the time of writing, which the header and the footer carry.
 void ExpectSameRecords(const testsupport::FbxReadRecord& a, const testsupport::FbxReadRecord& b) {
@@ -57,57 +31,6 @@ void ExpectSameRecords(const testsupport::FbxReadRecord& a, const testsupport::F
   for (size_t i = 0; i < a.children.size(); ++i) ExpectSameRecords(a.children[i], b.children[i]);
 }
 
-// Answers the next modal dialog of type `Dialog` with `answer`, from inside its own event loop.
-template <class Dialog>
-void AnswerNextDialog(const std::function<void(Dialog&)>& answer) {
-  QTimer::singleShot(0, [answer] {
-    PumpUntil([] { return qobject_cast<Dialog*>(QApplication::activeModalWidget()) != nullptr; }, 10000);
-    if (auto* dialog = qobject_cast<Dialog*>(QApplication::activeModalWidget())) answer(*dialog);
-  });
-}
-
-void SaveAs(const std::string& path, bool* answered) {
-  AnswerNextDialog<QFileDialog>([path, answered](QFileDialog& dialog) {
-    dialog.selectFile(QString::fromStdString(path));
-    static_cast<QDialog&>(dialog).accept();  // the file dialog checks and takes the name
-    *answered = true;
-  });
-}
-
-bool IsClearGrey(QRgb pixel) {
-  return std::abs(qRed(pixel) - 191) <= 1 && std::abs(qGreen(pixel) - 191) <= 1 && std::abs(qBlue(pixel) - 191) <= 1;
-}
-
-class DesktopTest : public ::testing::Test {
- protected:
-  void SetUp() override {
-    std::string error;
-    ASSERT_TRUE(testsupport::BuildSampleGame(dir.Path(), &error)) << error;
-    window.show();
-    window.Start(testsupport::SampleGameLayout(dir.Path()).userData.c_str());
-    ASSERT_TRUE(PumpUntil([&] { return app.ready && !app.workerBusy; }));
-  }
-
-  // Selects `name` in the file list as a user's click does.
-  void Select(const char* name) {
-    QtWindowSystem& windows = window.Window();
-    for (i32 row = 0; row < windows.GetCount(kFileList); ++row) {
-      char text[260] = {};
-      if (windows.GetTextLength(kFileList, row) < 260 && windows.GetText(kFileList, row, text) >= 0 &&
-          std::string(text) == name) {
-        QListView& view = window.FileView();
-        view.selectionModel()->setCurrentIndex(view.model()->index(row, 0), QItemSelectionModel::ClearAndSelect);
-        return;
-      }
-    }
-    FAIL() << name << " is not listed";
-  }
-
-  testsupport::TempDir dir;
-  AppState app;
-  MainWindow window{app};
-};
-
 TEST_F(DesktopTest, PreviewIsClearGreyFromStartUpBeforeAnySelection) {
   // What the screen shows, not a frame drawn on request: the control has to draw one by itself.
   QWidget* preview = window.Render().Container();
@@ -118,9 +41,7 @@ TEST_F(DesktopTest, PreviewIsClearGreyFromStartUpBeforeAnySelection) {
         return !shown.isNull() && IsClearGrey(shown.pixel(shown.width() / 2, shown.height() / 2));
       },
       5000);
-  const QString artifacts = QStringLiteral(TARNWICK_ARTIFACT_DIR);
-  QDir().mkpath(artifacts);
-  EXPECT_TRUE(window.screen()->grabWindow(window.winId()).save(artifacts + QStringLiteral("/start_up.png")));
+  EXPECT_TRUE(window.screen()->grabWindow(window.winId()).save(ArtifactPath("start_up.png")));
   EXPECT_TRUE(grey) << "the preview shows rgb " << qRed(shown.pixel(0, 0)) << " " << qGreen(shown.pixel(0, 0)) << " "
                     << qBlue(shown.pixel(0, 0));
 }
@@ -156,10 +77,8 @@ TEST_F(DesktopTest, SelectedActorIsDrawnWithItsTextureAndListedInThePanel) {
 
   const QImage frame = window.Render().RenderFrame().convertToFormat(QImage::Format_RGB32);
   ASSERT_FALSE(frame.isNull());
-  const QString artifacts = QStringLiteral(TARNWICK_ARTIFACT_DIR);
-  QDir().mkpath(artifacts);
-  EXPECT_TRUE(frame.save(artifacts + QStringLiteral("/preview_knight.png")));
-  EXPECT_TRUE(window.grab().save(artifacts + QStringLiteral("/main_window.png")));
+  EXPECT_TRUE(frame.save(ArtifactPath("preview_knight.png")));
+  EXPECT_TRUE(window.grab().save(ArtifactPath("main_window.png")));
 
   const int w = frame.width(), h = frame.height();
   for (const QPoint corner : {QPoint(0, 0), QPoint(w - 1, 0), QPoint(0, h - 1), QPoint(w - 1, h - 1)}) {
@@ -318,10 +237,3 @@ TEST_F(DesktopTest, OpenFolderListsSelectsAndOpensAnyFolderThatHoldsAGame) {
 }
 
 }  // namespace
-
-int main(int argc, char** argv) {
-  RenderControl::UseSurfaceFormat();
-  QApplication application(argc, argv);
-  ::testing::InitGoogleTest(&argc, argv);
-  return RUN_ALL_TESTS();
-}
