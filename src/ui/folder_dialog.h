@@ -11,8 +11,13 @@ class QtFolderDialog final : public IFolderDialog {
   explicit QtFolderDialog(QWidget* owner, const char* caption = "Convert the selected actors to the folder")
       : parent(owner), title(caption) {}
   bool AskFolder(CStringBufferA& path) override;
+  // The same dialog with a "Format:" choice below the folder (object name "formatCombo"): FBX,
+  // the default, or glTF binary.
+  bool AskOutputFolder(CStringBufferA& path, ExportFormat& format) override;
 
  private:
+  bool Ask(CStringBufferA& path, ExportFormat* format);
+
   QWidget* parent;
   const char* title;
 };

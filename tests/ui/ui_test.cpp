@@ -1,6 +1,8 @@
 // The desktop program on a real display (Xvfb with software OpenGL): the sample game from start-up
 // to a drawn frame and a written file.
+#include <QCheckBox>
 #include <QComboBox>
+#include <filesystem>
 #include <QImage>
 #include <QKeyEvent>
 #include <QLineEdit>
@@ -181,6 +183,38 @@ TEST_F(DesktopTest, ConvertWithThreeSelectedWritesThemBelowAChosenFolder) {
   window.Window().GetText(kLogList, logged, line);
   EXPECT_EQ(std::string(line), "Converted 3 of 3 actors to " + folder + ": 3 written, 0 failed, 0 skipped.");
   EXPECT_FALSE(window.CancelButton().isVisible());
+}
+
+TEST_F(DesktopTest, ConvertWithTwoSelectedWritesGlbWithTexturesWhenTheFolderDialogSaysSo) {
+  Select("actors\\barrel.adr");
+  QListView& view = window.FileView();
+  const QModelIndexList found = view.model()->match(view.model()->index(0, 0), Qt::DisplayRole,
+                                                    QStringLiteral("actors\\wisp.adr"), 1, Qt::MatchExactly);
+  ASSERT_EQ(found.size(), 1);
+  view.selectionModel()->setCurrentIndex(found.first(), QItemSelectionModel::Select);
+  window.TexturesCheck().setChecked(true);
+  const i32 logged = window.Window().GetCount(kLogList);
+  const std::string folder = dir.Join("two");
+  QDir().mkpath(QString::fromStdString(folder));
+  QStringList formats;
+  AnswerNextDialog<QFileDialog>([&](QFileDialog& dialog) {
+    auto* combo = dialog.findChild<QComboBox*>(QStringLiteral("formatCombo"));
+    ASSERT_TRUE(combo);
+    for (int i = 0; i < combo->count(); ++i) formats << combo->itemText(i);
+    combo->setCurrentIndex(1);
+    dialog.setDirectory(QString::fromStdString(folder));
+    dialog.selectFile(QString::fromStdString(folder));
+    static_cast<QDialog&>(dialog).accept();
+  });
+  window.ConvertButton().click();
+  ASSERT_TRUE(PumpUntil([&] { return !app.workerBusy && window.Window().GetCount(kLogList) > logged; }));
+  EXPECT_EQ(formats, QStringList({QStringLiteral("FBX ( *.fbx)"), QStringLiteral("glTF binary ( *.glb)")}));
+  for (const char* file : {"/actors/barrel.glb", "/actors/wisp.glb"}) {
+    const std::string bytes = testsupport::ReadFileBytes(folder + file);
+    EXPECT_EQ(bytes.substr(0, 4), "glTF") << file;
+    EXPECT_NE(bytes.find("image/png"), std::string::npos) << file << ": its texture inside";
+  }
+  EXPECT_FALSE(std::filesystem::exists(folder + "/actors/barrel.fbx"));
 }
 
 TEST_F(DesktopTest, RigDialogListsTheFittingRigsSortedAndWantsASelection) {
