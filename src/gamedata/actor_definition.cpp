@@ -1,7 +1,7 @@
 #include "gamedata/actor_definition.h"
 
-#include "core/memory_stream.h"
-#include "core/xml.h"
+#include "xml/memory_stream.h"
+#include "xml/xml.h"
 #include "gamedata/xml_attributes.h"
 
 namespace {

@@ -3,8 +3,8 @@
 #include <utility>
 
 #include "core/hash.h"
-#include "core/memory_stream.h"
-#include "core/xml.h"
+#include "xml/memory_stream.h"
+#include "xml/xml.h"
 #include "gamedata/xml_attributes.h"
 
 namespace {

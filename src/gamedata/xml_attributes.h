@@ -1,7 +1,7 @@
 #pragma once
 
 #include "core/value_string.h"
-#include "core/xml.h"
+#include "xml/xml.h"
 
 // The small attribute readers that the XML-based game files share. Names and keyword values are
 // matched with ASCII case folded, as the files spell them freely.

@@ -3,8 +3,8 @@
 #include <cstring>
 #include <string>
 
-#include "core/memory_stream.h"
-#include "core/xml.h"
+#include "xml/memory_stream.h"
+#include "xml/xml.h"
 
 namespace {
 

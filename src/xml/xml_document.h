@@ -2,8 +2,8 @@
 
 #include "core/string_buffer.h"
 #include "core/string_table.h"
-#include "core/xml.h"
-#include "core/xml_data.h"
+#include "xml/xml.h"
+#include "xml/xml_data.h"
 
 namespace pugi {
 class xml_node;

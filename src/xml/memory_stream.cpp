@@ -1,4 +1,4 @@
-#include "core/memory_stream.h"
+#include "xml/memory_stream.h"
 
 #include <cstring>
 

@@ -2,7 +2,7 @@
 
 #include <mutex>
 
-#include "core/stream.h"
+#include "xml/stream.h"
 #include "core/value_string.h"
 #include "platform/file_handle.h"
 

@@ -1,9 +1,9 @@
-#include "core/xml_data.h"
+#include "xml/xml_data.h"
 
 #include <strings.h>
 
 #include "core/memory_hooks.h"
-#include "core/xml_document.h"
+#include "xml/xml_document.h"
 
 namespace {
 

@@ -2,7 +2,7 @@
 
 #include "core/array.h"
 #include "core/string_table.h"
-#include "core/xml.h"
+#include "xml/xml.h"
 
 class CXML;
 

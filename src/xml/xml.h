@@ -1,6 +1,6 @@
 #pragma once
 
-#include "core/stream.h"
+#include "xml/stream.h"
 #include "core/types.h"
 
 // The read-only XML document: a parser fills a tree of element records once, and everything later

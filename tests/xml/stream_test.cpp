@@ -4,9 +4,9 @@
 #include <filesystem>
 #include <string>
 
-#include "core/file_stream.h"
+#include "xml/file_stream.h"
 #include "core/memory_hooks.h"
-#include "core/memory_stream.h"
+#include "xml/memory_stream.h"
 #include "support/temp_dir.h"
 
 namespace {

@@ -2,7 +2,7 @@
 
 #include "core/byte_buffer.h"
 #include "core/spin_lock.h"
-#include "core/stream.h"
+#include "xml/stream.h"
 
 // A read-only stream over bytes that are already in memory, without copying them. A reader puts
 // one on its stack over a fetched file and holds its only reference; the buffer must outlive it and

@@ -1,4 +1,4 @@
-#include "core/xml_document.h"
+#include "xml/xml_document.h"
 
 #include <strings.h>
 
@@ -6,10 +6,10 @@
 #include <pugixml.hpp>
 
 #include "core/byte_buffer.h"
-#include "core/file_stream.h"
+#include "xml/file_stream.h"
 #include "core/memory_hooks.h"
 #include "core/value_string.h"
-#include "core/xml_namespace_scope.h"
+#include "xml/xml_namespace_scope.h"
 
 namespace {
 

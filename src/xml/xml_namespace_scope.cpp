@@ -1,4 +1,4 @@
-#include "core/xml_namespace_scope.h"
+#include "xml/xml_namespace_scope.h"
 
 #include <cstring>
 

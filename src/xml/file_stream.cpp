@@ -1,4 +1,4 @@
-#include "core/file_stream.h"
+#include "xml/file_stream.h"
 
 #include <cstring>
 #include <string>
