@@ -14,7 +14,7 @@ namespace {
 // Discovery, packs, catalogue and the load walk into the headless list, to the last item.
 void BM_LoadGame(benchmark::State& state) {
   const std::string data = BenchGameData();
-  const testsupport::StressGameDesc& desc = BenchGameDesc();
+  const gamewriters::StressGameDesc& desc = BenchGameDesc();
   for (auto _ : state) {
     HeadlessWindowSystem window;
     AppState app;

@@ -9,10 +9,10 @@ namespace {
 
 struct BenchGame {
   testsupport::TempDir dir;
-  testsupport::StressGameDesc desc;
+  gamewriters::StressGameDesc desc;
   BenchGame() {
     std::string error;
-    if (!testsupport::BuildStressGame(dir.Path(), desc, &error)) {
+    if (!gamewriters::BuildStressGame(dir.Path(), desc, &error)) {
       std::fprintf(stderr, "bench game: %s\n", error.c_str());
       std::abort();
     }
@@ -26,6 +26,6 @@ BenchGame& Game() {
 
 }  // namespace
 
-const testsupport::StressGameDesc& BenchGameDesc() { return Game().desc; }
+const gamewriters::StressGameDesc& BenchGameDesc() { return Game().desc; }
 std::string BenchGameData() { return Game().dir.Join("data"); }
 std::string BenchGameFolder() { return Game().dir.Join("game"); }

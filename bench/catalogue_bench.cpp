@@ -4,27 +4,27 @@
 #include <string>
 
 #include "gamedata/material_definitions.h"
-#include "support/xml_writer.h"
+#include "game_writers/xml_writer.h"
 
 namespace {
 
 // A catalogue of 200 layouts of eight entries and 2,000 definitions of three draw styles and two
 // properties, about the size of a real game's.
 std::string LargeCatalogue() {
-  testsupport::CatalogueXml catalogue;
+  gamewriters::CatalogueXml catalogue;
   for (int i = 0; i < 200; ++i) {
-    testsupport::InputLayoutXml layout{"Layout" + std::to_string(i), {}};
+    gamewriters::InputLayoutXml layout{"Layout" + std::to_string(i), {}};
     for (const char* usage : {"Position", "Normal", "Tangent", "Binormal", "Texcoord", "Texcoord", "BlendIndices", "BlendWeight"}) {
       layout.entries.push_back({"Float16_4", usage, std::to_string(i % 2)});
     }
     catalogue.layouts.push_back(layout);
   }
   for (int i = 0; i < 2000; ++i) {
-    std::vector<testsupport::DrawStyleXml> styles;
+    std::vector<gamewriters::DrawStyleXml> styles;
     for (const char* style : {"normal", "shadow", "depth"}) styles.push_back({style, "Layout" + std::to_string((i + 7) % 200)});
     catalogue.definitions.push_back({"Material" + std::to_string(i), "Opaque", styles, std::vector<std::string>{"Skinned", "ArtistSelectable"}});
   }
-  return testsupport::BuildCatalogue(catalogue);
+  return gamewriters::BuildCatalogue(catalogue);
 }
 
 void BM_ReadCatalogue(benchmark::State& state) {

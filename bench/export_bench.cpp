@@ -12,15 +12,15 @@
 #include "gltf/gltf_scene.h"
 #include "mesh/export_mesh.h"
 #include "platform/output_file.h"
-#include "support/skinned_actor.h"
-#include "support/stress_game.h"
+#include "game_writers/skinned_actor.h"
+#include "game_writers/stress_game.h"
 #include "support/temp_dir.h"
 
 namespace {
 
 // The stress game's large actor: 4 meshes of 256 x 236 vertices (241,664 in all) with normals, one
 // UV set and one to four influences each, skinned to 128 bones.
-const testsupport::SkinnedActorDesc kDesc = testsupport::LargeModel({});
+const gamewriters::SkinnedActorDesc kDesc = gamewriters::LargeModel({});
 
 CByteBuffer Bytes(const std::string& bytes) {
   CByteBuffer buffer;
@@ -37,12 +37,12 @@ struct Actor {
   bool ok = false;
 
   Actor() {
-    const testsupport::SkinnedActor files = testsupport::BuildSkinnedActor(kDesc);
+    const gamewriters::SkinnedActor files = gamewriters::BuildSkinnedActor(kDesc);
     CStringA key;
     RigNetwork* network = key.Assign("hero") ? rigs.FindOrInsert(key) : nullptr;
     ok = definitions.Read(Bytes(files.catalogue)) && Read(model, Bytes(files.model), materials) && network &&
          Read(*network,
-              Bytes(testsupport::BuildRigNetwork(testsupport::NetworkWithSets({{7, files.rig}}, {{"Idle", 7}})))) &&
+              Bytes(gamewriters::BuildRigNetwork(gamewriters::NetworkWithSets({{7, files.rig}}, {{"Idle", 7}})))) &&
          actor.animationNetworkName.Assign("hero.mrn") && actor.animSetName.Assign("Idle");
   }
   ~Actor() { definitions.Destroy(); }

@@ -4,7 +4,7 @@
 #include <string>
 
 #include "gamedata/model_file.h"
-#include "support/model_writer.h"
+#include "game_writers/model_writer.h"
 
 namespace {
 
@@ -16,8 +16,8 @@ constexpr u32 kDrawCalls = 40;
 // A large character: one mesh with a 32-byte and a 24-byte stream, 16-bit indices, draw calls of
 // 5,000 vertices each addressing 10 bones, and the sample material chunk.
 std::string LargeModel() {
-  testsupport::ModelDesc desc{.materials = testsupport::SamplePalette()};
-  desc.meshes.push_back(testsupport::PatternMesh(kVertices, {32, 24}, 2, kIndices));
+  gamewriters::ModelDesc desc{.materials = gamewriters::SamplePalette()};
+  desc.meshes.push_back(gamewriters::PatternMesh(kVertices, {32, 24}, 2, kIndices));
   desc.meshes[0].drawCallCount = kDrawCalls;
   for (u32 i = 0; i < kDrawCalls; ++i) {
     desc.drawCalls.push_back({.firstBoneMapEntry = i * 10, .boneMapEntryCount = 10, .firstVertex = i * 5000,
@@ -26,7 +26,7 @@ std::string LargeModel() {
   }
   desc.bones.resize(kBones);
   for (u32 b = 0; b < kBones; ++b) desc.bones[b].nameHash = b * 2654435761u;
-  return testsupport::BuildModel(desc);
+  return gamewriters::BuildModel(desc);
 }
 
 void BM_ReadModel(benchmark::State& state) {

@@ -5,7 +5,7 @@
 #include <vector>
 
 #include "assets/pack_index.h"
-#include "support/pack_writer.h"
+#include "game_writers/pack_writer.h"
 #include "support/temp_dir.h"
 
 namespace {
@@ -18,17 +18,17 @@ struct Game {
   std::vector<std::string> names;
 
   explicit Game(int entries) {
-    std::vector<testsupport::PackLayout> packs(kPacks);
+    std::vector<gamewriters::PackLayout> packs(kPacks);
     for (int i = 0; i < entries; ++i) {
       char name[96];
       std::snprintf(name, sizeof(name), "actors\\group_%03d\\variant_%06d.%s", i % 500, i, i % 3 ? "dds" : "adr");
       names.emplace_back(name);
-      testsupport::PackLayout& pack = packs[i % kPacks];
+      gamewriters::PackLayout& pack = packs[i % kPacks];
       // Chunks of 1,000 entries, as a directory written in several passes would be.
       if (pack.chunks.empty() || pack.chunks.back().entries.size() == 1000) pack.chunks.emplace_back();
       pack.chunks.back().entries.push_back({.name = name, .data = "x"});
     }
-    testsupport::WritePacks(dir.Path(), packs);
+    gamewriters::WritePacks(dir.Path(), packs);
   }
 };
 

@@ -3,7 +3,7 @@
 #include <cstring>
 
 #include "gamedata/rig_network.h"
-#include "support/rig_writer.h"
+#include "game_writers/rig_writer.h"
 
 namespace {
 
@@ -12,13 +12,13 @@ constexpr u32 kSets = 40;
 
 // A character-sized rig: 300 bones in branches of ten, forty animation sets, a few dozen nodes.
 CByteBuffer RigFile() {
-  testsupport::RigLayout rig;
+  gamewriters::RigLayout rig;
   for (u32 i = 0; i < kBones; ++i) {
     const f32 f = f32(i);
     rig.bones.push_back({.name = "skeleton_bone_" + std::to_string(i), .parent = i % 10 ? i32(i) - 1 : i32(i / 10) - 1,
                          .translation = {f, 1, 2, 1}, .rotation = {0, 0, f / kBones, 1}});
   }
-  testsupport::NetworkLayout network;
+  gamewriters::NetworkLayout network;
   std::vector<u32> rigIds(kSets, 11);
   network.nodes.push_back({.typeId = 1, .flags = 0x04, .attributeWords = rigIds, .lookups = {{.typeId = 1}}});
   for (u16 n = 1; n < 48; ++n) {
@@ -29,7 +29,7 @@ CByteBuffer RigFile() {
   std::vector<std::string> sets;
   for (u32 s = 0; s < kSets; ++s) sets.push_back("animation_set_" + std::to_string(s));
   const std::string file =
-      testsupport::BuildRigNetwork({.rigs = {{.id = 11, .rig = rig}}, .animSets = sets, .network = network});
+      gamewriters::BuildRigNetwork({.rigs = {{.id = 11, .rig = rig}}, .animSets = sets, .network = network});
   CByteBuffer bytes;
   if (bytes.SetSize(u32(file.size()))) std::memcpy(bytes.Data(), file.data(), file.size());
   return bytes;

@@ -4,11 +4,11 @@
 
 #include "app/batch_convert.h"
 #include "app/output_names.h"
-#include "support/image_writer.h"
-#include "support/pack_writer.h"
-#include "support/skinned_actor.h"
+#include "game_writers/image_writer.h"
+#include "game_writers/pack_writer.h"
+#include "game_writers/skinned_actor.h"
 #include "support/temp_dir.h"
-#include "support/xml_writer.h"
+#include "game_writers/xml_writer.h"
 
 namespace {
 
@@ -20,7 +20,7 @@ std::string NoiseDds(u32 size, const char* code, u32 seed) {
   std::string blocks(size_t(size / 4) * (size / 4) * blockBytes, '\0');
   std::mt19937 random(seed);
   for (char& byte : blocks) byte = char(random());
-  return testsupport::BuildDdsWithFormat(size, size, {kDdsFourCCFlag, testsupport::DdsFourCC(code), 0, {}}, blocks);
+  return gamewriters::BuildDdsWithFormat(size, size, {kDdsFourCCFlag, gamewriters::DdsFourCC(code), 0, {}}, blocks);
 }
 
 // A game of `actors` actors over one pack, `meshCount` meshes of `grid` squared vertices each, and
@@ -33,22 +33,22 @@ struct TexturedGame {
   std::vector<BatchActor> actors;
 
   TexturedGame(u32 actorCount, u32 meshCount, u32 grid, u32 textures, u32 size) {
-    std::vector<testsupport::PackFileEntry> files;
+    std::vector<gamewriters::PackFileEntry> files;
     for (u32 t = 0; t < textures; ++t) {
       files.push_back({"tex\\t" + std::to_string(t) + ".dds", NoiseDds(size, t % 2 ? "DXT5" : "DXT1", t)});
     }
     std::vector<std::string> names;
     for (u32 a = 0; a < actorCount; ++a) {
-      testsupport::SkinnedActorDesc desc{.meshCount = meshCount, .gridSize = grid, .boneCount = 4};
+      gamewriters::SkinnedActorDesc desc{.meshCount = meshCount, .gridSize = grid, .boneCount = 4};
       for (u32 m = 0; m < meshCount; ++m) desc.textures.push_back({{"baseDiffuse", "tex\\t" + std::to_string((a * meshCount + m) % textures) + ".dds"}});
-      const testsupport::SkinnedActor actor = testsupport::BuildSkinnedActor(desc);
+      const gamewriters::SkinnedActor actor = gamewriters::BuildSkinnedActor(desc);
       if (a == 0) files.push_back({"materials_3.xml", actor.catalogue});
       const std::string model = "models\\m" + std::to_string(a) + ".dmod";
       names.push_back("actors\\a" + std::to_string(a) + ".adr");
       files.push_back({model, actor.model});
-      files.push_back({names.back(), testsupport::BuildActor({.fileName = model})});
+      files.push_back({names.back(), gamewriters::BuildActor({.fileName = model})});
     }
-    (void)testsupport::WriteFileBytes(dir.Join("assets_000.pack"), testsupport::BuildPack({{testsupport::PackChunk{files}}}));
+    (void)gamewriters::WriteFileBytes(dir.Join("assets_000.pack"), gamewriters::BuildPack({{gamewriters::PackChunk{files}}}));
     CByteBuffer catalogue;
     ok = packs.Open(dir.Path().c_str()) && packs.FetchByName("materials_3.xml", catalogue) && materials.Read(catalogue);
     const std::vector<std::string> outputs = OutputNames(names, ".fbx");

@@ -14,11 +14,11 @@
 #include <string>
 
 #include "app/app_state.h"
-#include "support/pack_writer.h"
-#include "support/rig_writer.h"
-#include "support/skinned_actor.h"
+#include "game_writers/pack_writer.h"
+#include "game_writers/rig_writer.h"
+#include "game_writers/skinned_actor.h"
 #include "support/temp_dir.h"
-#include "support/xml_writer.h"
+#include "game_writers/xml_writer.h"
 #include "ui/main_window.h"
 #include "ui/render_control.h"
 
@@ -31,17 +31,17 @@ constexpr u32 kGridSize = 448;  // 200,704 vertices
 struct ListedGame {
   testsupport::TempDir dir;
   ListedGame() {
-    const testsupport::SkinnedActor big = testsupport::BuildSkinnedActor(
+    const gamewriters::SkinnedActor big = gamewriters::BuildSkinnedActor(
         {.meshCount = 1, .gridSize = kGridSize, .boneCount = 4, .bounds = {0, 0, -0.1f, 1, 1, 0.1f}});
-    testsupport::PackLayout pack;
-    auto add = [&](testsupport::PackFileEntry entry) {
+    gamewriters::PackLayout pack;
+    auto add = [&](gamewriters::PackFileEntry entry) {
       if (pack.chunks.empty() || pack.chunks.back().entries.size() == 1000) pack.chunks.emplace_back();
       pack.chunks.back().entries.push_back(std::move(entry));
     };
     add({"materials_3.xml", big.catalogue});
     add({"models\\big.dmod", big.model});
-    add({"big.mrn", testsupport::BuildRigNetwork(testsupport::NetworkWithSets({{1, big.rig}}, {{"Idle", 1}}))});
-    add({"actors\\big.adr", testsupport::BuildActor({.fileName = "models\\big.dmod",
+    add({"big.mrn", gamewriters::BuildRigNetwork(gamewriters::NetworkWithSets({{1, big.rig}}, {{"Idle", 1}}))});
+    add({"actors\\big.adr", gamewriters::BuildActor({.fileName = "models\\big.dmod",
                                                       .hasAnimationNetwork = true,
                                                       .networkFileName = "big.mrn",
                                                       .animSetName = "Idle"})});
@@ -50,8 +50,8 @@ struct ListedGame {
       std::snprintf(name, sizeof(name), "actors\\group_%u\\actor_%06u.adr", (i * 7919) % 101, i);
       add({name, "<ActorRuntime/>"});
     }
-    testsupport::WriteFileBytes(dir.Join("game/Resources/Assets/assets_000.pack"), testsupport::BuildPack(pack));
-    testsupport::WriteFileBytes(dir.Join("data/Marrowgate Studio/Digests/Aldermoor.loc"), dir.Join("game"));
+    gamewriters::WriteFileBytes(dir.Join("game/Resources/Assets/assets_000.pack"), gamewriters::BuildPack(pack));
+    gamewriters::WriteFileBytes(dir.Join("data/Marrowgate Studio/Digests/Aldermoor.loc"), dir.Join("game"));
   }
 };
 

@@ -1,18 +1,18 @@
 #include "seeds.h"
-#include "support/image_writer.h"
+#include "game_writers/image_writer.h"
 
-using testsupport::BuildDdsDx10;
-using testsupport::BuildDdsWithFormat;
-using testsupport::DdsFourCC;
+using gamewriters::BuildDdsDx10;
+using gamewriters::BuildDdsWithFormat;
+using gamewriters::DdsFourCC;
 
 Seeds ImageSeeds() {
   const std::vector<u8> rgba = {255, 0, 0, 255, 0, 255, 0, 128, 0, 0, 255, 0, 9, 99, 199, 255, 1, 2, 3, 4};
   const std::string blocks(32, '\x5A');
   constexpr u32 kFourCC = 0x4, kRgb = 0x40, kLuminance = 0x20000, kAlphaPixels = 0x1;
   Seeds seeds;
-  seeds.push_back({"rgba.png", testsupport::BuildPng(5, 1, rgba)});
-  seeds.push_back({"rgba.tga", testsupport::BuildTga(5, 1, rgba)});
-  seeds.push_back({"bgra.dds", testsupport::BuildDds(5, 1, rgba)});
+  seeds.push_back({"rgba.png", gamewriters::BuildPng(5, 1, rgba)});
+  seeds.push_back({"rgba.tga", gamewriters::BuildTga(5, 1, rgba)});
+  seeds.push_back({"bgra.dds", gamewriters::BuildDds(5, 1, rgba)});
   seeds.push_back({"565.dds", BuildDdsWithFormat(3, 1, {kRgb, 0, 16, {0xF800, 0x07E0, 0x001F, 0}}, "abcdef")});
   seeds.push_back({"l8a8.dds", BuildDdsWithFormat(2, 1, {kLuminance | kAlphaPixels, 0, 16, {0xFF, 0, 0, 0xFF00}}, "abcd")});
   for (const char* code : {"DXT1", "DXT3", "DXT5", "ATI1", "ATI2"}) {

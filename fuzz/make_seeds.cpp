@@ -34,7 +34,7 @@ int main(int argc, char** argv) {
   for (const Target& target : kTargets) {
     if (std::strcmp(target.name, argv[1]) != 0) continue;
     for (const auto& [name, bytes] : target.make()) {
-      if (!testsupport::WriteFileBytes(std::string(argv[2]) + "/" + name, bytes)) return 1;
+      if (!gamewriters::WriteFileBytes(std::string(argv[2]) + "/" + name, bytes)) return 1;
     }
     return 0;
   }

@@ -1,13 +1,13 @@
 #include "seeds.h"
-#include "support/model_writer.h"
+#include "game_writers/model_writer.h"
 
-using testsupport::BuildModel;
-using testsupport::BuildPalette;
+using gamewriters::BuildModel;
+using gamewriters::BuildPalette;
 
 Seeds ModelSeeds() {
-  testsupport::ModelDesc desc = testsupport::SampleModel();
+  gamewriters::ModelDesc desc = gamewriters::SampleModel();
   Seeds seeds = {{"sample", BuildModel(desc)}};
-  desc.meshes.push_back(testsupport::PatternMesh(40, {32, 24}, 4, 60));
+  desc.meshes.push_back(gamewriters::PatternMesh(40, {32, 24}, 4, 60));
   desc.materials.reset();
   seeds.push_back({"no_chunk_three_meshes", BuildModel(desc)});
   desc.bones.clear();
@@ -16,7 +16,7 @@ Seeds ModelSeeds() {
 }
 
 Seeds PaletteSeeds() {
-  return {{"sample", BuildPalette(testsupport::SamplePalette())},
+  return {{"sample", BuildPalette(gamewriters::SamplePalette())},
           {"empty_last_name", BuildPalette({.names = {"a", ""}, .materials = {{.materialKey = 1}}})},
           {"empty", BuildPalette({})}};
 }
@@ -26,7 +26,7 @@ Seeds PaletteSeeds() {
 Seeds MeshSeeds() {
   enum : char { kFloat2 = 1, kFloat3 = 2, kUbyte4 = 5, kUbyte4n = 8, kFloat16x2 = 15 };
   enum : char { kPosition = 0, kBlendWeight = 1, kBlendIndices = 2, kNormal = 3, kTexcoord = 5 };
-  const std::string model = BuildModel(testsupport::SampleModel());
+  const std::string model = BuildModel(gamewriters::SampleModel());
   const std::string skinned = {6,  0,   kFloat3,  kPosition,    0, 0,  0, kFloat3,    kNormal,       0,
                                12, 0,   kFloat2,  kTexcoord,    0, 24, 1, kUbyte4,    kBlendIndices, 0,
                                0,  1,   kUbyte4n, kBlendWeight, 0, 4,  1, kFloat16x2, kTexcoord,     1,

@@ -1,9 +1,9 @@
 #include "seeds.h"
-#include "support/pack_writer.h"
+#include "game_writers/pack_writer.h"
 
-using testsupport::BuildPack;
-using testsupport::PackLayout;
-using testsupport::SingleChunkPack;
+using gamewriters::BuildPack;
+using gamewriters::PackLayout;
+using gamewriters::SingleChunkPack;
 
 Seeds PackDirectorySeeds() {
   Seeds seeds;
@@ -13,7 +13,7 @@ Seeds PackDirectorySeeds() {
   chunks.chunks.push_back({.entries = {{.name = "chars\\hero.adr", .data = "hero"}, {.name = "dup", .data = "1"}}});
   chunks.chunks.push_back({});
   chunks.chunks.push_back({.entries = {{.name = "dup", .data = "2"}, {.name = "rigs\\hero.mrn", .data = "rig"}}});
-  chunks.placement = testsupport::DataPlacement::AfterEachChunk;
+  chunks.placement = gamewriters::DataPlacement::AfterEachChunk;
   seeds.push_back({"chunks", BuildPack(chunks)});
 
   PackLayout loop = SingleChunkPack({{"a", "1"}});

@@ -1,12 +1,12 @@
 #include "seeds.h"
-#include "support/rig_writer.h"
+#include "game_writers/rig_writer.h"
 
-using testsupport::BuildRigFile;
-using testsupport::BuildRigNetwork;
-using testsupport::LookupLayout;
-using testsupport::NetworkLayout;
-using testsupport::RigNetworkLayout;
-using testsupport::RigLayout;
+using gamewriters::BuildRigFile;
+using gamewriters::BuildRigNetwork;
+using gamewriters::LookupLayout;
+using gamewriters::NetworkLayout;
+using gamewriters::RigNetworkLayout;
+using gamewriters::RigLayout;
 
 namespace {
 
@@ -51,7 +51,7 @@ Seeds RigNetworkSeeds() {
   seeds.push_back({"other_chunks", BuildRigFile({{.type = 99, .data = "abcde"},
                                                  {.type = 3, .data = "xyz"},
                                                  {.type = 13, .data = "held"},
-                                                 {.type = 1, .id = 7, .data = testsupport::BuildRigChunkData(Rig(1, false))},
+                                                 {.type = 1, .id = 7, .data = gamewriters::BuildRigChunkData(Rig(1, false))},
                                                  {.type = 15, .dataSize = 64}})});
   return seeds;
 }

@@ -1,7 +1,7 @@
 #include "seeds.h"
-#include "support/xml_writer.h"
+#include "game_writers/xml_writer.h"
 
-using namespace testsupport;
+using namespace gamewriters;
 
 Seeds CatalogueSeeds() {
   CatalogueXml catalogue;

@@ -4,8 +4,8 @@
 #include <cstring>
 #include <string>
 
-#include "support/sample_game.h"
-#include "support/stress_game.h"
+#include "game_writers/sample_game.h"
+#include "game_writers/stress_game.h"
 
 int main(int argc, char** argv) {
   const bool stress = argc == 3 && std::strcmp(argv[1], "--stress") == 0;
@@ -15,12 +15,12 @@ int main(int argc, char** argv) {
   }
   const std::string dir = argv[argc - 1];
   std::string error;
-  const bool built = stress ? testsupport::BuildStressGame(dir, {}, &error) : testsupport::BuildSampleGame(dir, &error);
+  const bool built = stress ? gamewriters::BuildStressGame(dir, {}, &error) : gamewriters::BuildSampleGame(dir, &error);
   if (!built) {
     std::fprintf(stderr, "make-sample-game: %s\n", error.c_str());
     return 1;
   }
-  const testsupport::SampleGamePaths paths = testsupport::SampleGameLayout(dir);
+  const gamewriters::SampleGamePaths paths = gamewriters::SampleGameLayout(dir);
   std::printf("game:   %s\n", paths.game.c_str());
   std::printf("digest: %s\n", paths.digest.c_str());
   std::printf("Run the program with XDG_DATA_HOME=%s to find it as \"Aldermoor\".\n", paths.userData.c_str());

@@ -9,7 +9,7 @@
 #include "app/game_selection.h"
 #include "app/worker.h"
 #include "platform/headless_window_system.h"
-#include "support/pack_writer.h"
+#include "game_writers/pack_writer.h"
 #include "support/temp_dir.h"
 
 // A per-user folder with digests and game installations in a temporary folder, and an application
@@ -22,16 +22,16 @@ struct Installation {
   std::string UserFolder() const { return dir.Join("data"); }
   // The digest of `game` under `maker`, holding `text` as it stands.
   void Digest(const std::string& maker, const std::string& game, const std::string& text) const {
-    ASSERT_TRUE(testsupport::WriteFileBytes(dir.Join("data/" + maker + "/Digests/" + game + ".loc"), text));
+    ASSERT_TRUE(gamewriters::WriteFileBytes(dir.Join("data/" + maker + "/Digests/" + game + ".loc"), text));
   }
   // A game folder with one pack per list of files.
-  std::string Game(const std::string& name, const std::vector<std::vector<testsupport::PackFileEntry>>& packs) const {
+  std::string Game(const std::string& name, const std::vector<std::vector<gamewriters::PackFileEntry>>& packs) const {
     const std::string folder = dir.Join(name);
     for (size_t p = 0; p < packs.size(); ++p) {
       char file[64];
       std::snprintf(file, sizeof(file), "/Resources/Assets/assets_%03u.pack", unsigned(p));
-      testsupport::PackLayout layout{{testsupport::PackChunk{packs[p]}}};
-      EXPECT_TRUE(testsupport::WriteFileBytes(folder + file, testsupport::BuildPack(layout)));
+      gamewriters::PackLayout layout{{gamewriters::PackChunk{packs[p]}}};
+      EXPECT_TRUE(gamewriters::WriteFileBytes(folder + file, gamewriters::BuildPack(layout)));
     }
     return folder;
   }

@@ -13,19 +13,19 @@
 #include "app_fixture.h"
 #include "core/hash.h"
 #include "support/fbx_reader.h"
-#include "support/model_writer.h"
-#include "support/skinned_actor.h"
-#include "support/xml_writer.h"
+#include "game_writers/model_writer.h"
+#include "game_writers/skinned_actor.h"
+#include "game_writers/xml_writer.h"
 
 namespace {
 
 using apptest::App;
 using apptest::Installation;
-using testsupport::PackFileEntry;
+using gamewriters::PackFileEntry;
 
 std::string Actor(const std::string& model, const std::string& palette, const std::string& network,
                   const std::string& set, bool borrow) {
-  testsupport::ActorXml actor{.fileName = model};
+  gamewriters::ActorXml actor{.fileName = model};
   if (!palette.empty()) actor.paletteName = palette;
   if (!network.empty()) {
     actor.hasAnimationNetwork = true;
@@ -36,19 +36,19 @@ std::string Actor(const std::string& model, const std::string& palette, const st
     actor.hasUsage = true;
     actor.borrowSkeleton = "true";
   }
-  return testsupport::BuildActor(actor);
+  return gamewriters::BuildActor(actor);
 }
 
 // A game of a skinned hero and its variants, two rigs that fit it, a sword and a shield.
 std::vector<std::vector<PackFileEntry>> GameFiles() {
-  const testsupport::SkinnedActor hero = testsupport::BuildSkinnedActor({.meshCount = 2, .boneCount = 3});
-  testsupport::RigLayout spare = hero.rig;
+  const gamewriters::SkinnedActor hero = gamewriters::BuildSkinnedActor({.meshCount = 2, .boneCount = 3});
+  gamewriters::RigLayout spare = hero.rig;
   spare.bones.push_back({.name = "spare"});
-  const std::string rig = testsupport::BuildRigNetwork(testsupport::NetworkWithSets({{7, hero.rig}}, {{"Idle", 7}}));
-  const std::string spareRig = testsupport::BuildRigNetwork(testsupport::NetworkWithSets({{8, spare}}, {{"Spare", 8}}));
-  testsupport::PaletteDesc palette;
+  const std::string rig = gamewriters::BuildRigNetwork(gamewriters::NetworkWithSets({{7, hero.rig}}, {{"Idle", 7}}));
+  const std::string spareRig = gamewriters::BuildRigNetwork(gamewriters::NetworkWithSets({{8, spare}}, {{"Spare", 8}}));
+  gamewriters::PaletteDesc palette;
   palette.materials = {{.definitionHash = HashExact("SkinnedMaterial")}, {.definitionHash = HashExact("SkinnedMaterial")}};
-  testsupport::PaletteDesc unknown = palette;
+  gamewriters::PaletteDesc unknown = palette;
   unknown.materials[1].definitionHash = 1;
   return {{{"materials_3.xml", hero.catalogue},
            {"models\\hero.dmod", hero.model},
@@ -56,8 +56,8 @@ std::vector<std::vector<PackFileEntry>> GameFiles() {
            {"actors\\A_Sword.adr", Actor("models\\hero.dmod", "palettes\\hero.dmat", "", "", false)},
            {"actors\\Shield.ADR", Actor("models\\hero.dmod", "", "", "", true)}},
           {{"hero.mrn", rig},
-           {"palettes\\hero.dmat", testsupport::BuildPalette(palette)},
-           {"palettes\\bad.dmat", testsupport::BuildPalette(unknown)},
+           {"palettes\\hero.dmat", gamewriters::BuildPalette(palette)},
+           {"palettes\\bad.dmat", gamewriters::BuildPalette(unknown)},
            {"actors\\borrow_one.adr", Actor("models\\hero.dmod", "", "", "", true)},
            {"actors\\no_model.adr", Actor("models\\missing.dmod", "", "", "", false)},
            {"actors\\bad_model.adr", Actor("actors\\hero.adr", "", "", "", false)},
@@ -172,7 +172,7 @@ TEST(AppFlow, DiscoversLoadsListsSearchesAndConverts) {
     if (!c.written) continue;
     testsupport::FbxReadFile file;
     std::string error;
-    ASSERT_TRUE(testsupport::ReadFbxBinary(testsupport::ReadFileBytes(save.path), file, error)) << error;
+    ASSERT_TRUE(testsupport::ReadFbxBinary(gamewriters::ReadFileBytes(save.path), file, error)) << error;
     u32 bones = 0;
     for (const auto& object : file.Record("Objects")->children) bones += object.name == "Model" && object.properties[2].bytes == "LimbNode";
     EXPECT_EQ(bones, c.bones);
@@ -203,8 +203,8 @@ TEST(AppFlow, RequestsDuringALoadAreRefusedAndQuittingWaits) {
 
 TEST(ReadTextFile, WholeFileOrNothing) {
   testsupport::TempDir dir;
-  ASSERT_TRUE(testsupport::WriteFileBytes(dir.Join("empty"), ""));
-  ASSERT_TRUE(testsupport::WriteFileBytes(dir.Join("text"), std::string("a\\b\n\0c", 7)));
+  ASSERT_TRUE(gamewriters::WriteFileBytes(dir.Join("empty"), ""));
+  ASSERT_TRUE(gamewriters::WriteFileBytes(dir.Join("text"), std::string("a\\b\n\0c", 7)));
   TStringBufferA<8> out;
   EXPECT_TRUE(ReadTextFile(dir.Join("empty").c_str(), out));
   EXPECT_STREQ(out.Text(), "");
@@ -234,7 +234,7 @@ TEST(AppFlow, LoadFailuresLeaveOneLineAndTheGameSelectableAgain) {
     Installation installation;
     std::string folder = installation.Game("game", c.packs);
     if (!c.corruptPack.empty()) {
-      ASSERT_TRUE(testsupport::WriteFileBytes(folder + "/Resources/Assets/assets_000.pack", c.corruptPack));
+      ASSERT_TRUE(gamewriters::WriteFileBytes(folder + "/Resources/Assets/assets_000.pack", c.corruptPack));
     }
     installation.Digest("Marrowgate Studio", c.game, folder);
     App app;

@@ -11,7 +11,7 @@
 #include "app/output_names.h"
 #include "export/build_export_scene.h"
 #include "app_fixture.h"
-#include "support/sample_game.h"
+#include "game_writers/sample_game.h"
 
 namespace {
 
@@ -25,7 +25,7 @@ FbxCreationTime FixedTime() { return {2026, 11, 24, 8, 0, 0, 0}; }
 std::map<std::string, std::string> Files(const std::string& dir) {
   std::map<std::string, std::string> files;
   for (const auto& entry : std::filesystem::recursive_directory_iterator(dir)) {
-    if (entry.is_regular_file()) files[std::filesystem::relative(entry.path(), dir).string()] = testsupport::ReadFileBytes(entry.path());
+    if (entry.is_regular_file()) files[std::filesystem::relative(entry.path(), dir).string()] = gamewriters::ReadFileBytes(entry.path());
   }
   return files;
 }
@@ -58,9 +58,9 @@ class BatchConvert : public testing::Test {
  protected:
   void SetUp() override {
     std::string error;
-    ASSERT_TRUE(testsupport::BuildBatchGame(dir.Join("game"), kCopies, &error)) << error;
+    ASSERT_TRUE(gamewriters::BuildBatchGame(dir.Join("game"), kCopies, &error)) << error;
     app.state.createThread = pthread_create;
-    InitMainDialog(app.state, app.window, testsupport::SampleGameLayout(dir.Join("game")).userData.c_str());
+    InitMainDialog(app.state, app.window, gamewriters::SampleGameLayout(dir.Join("game")).userData.c_str());
     WaitForWorker(app.state);
     ASSERT_TRUE(app.state.ready);
     std::vector<std::string> names;
@@ -119,7 +119,7 @@ TEST_F(BatchConvert, WritesTheSingleConversionsFilesWhateverTheJobsAndKeepsEachF
     ASSERT_TRUE(outcome.Written());
     const auto file = files.find(actor.output);
     ASSERT_NE(file, files.end()) << actor.output;
-    EXPECT_TRUE(file->second == testsupport::ReadFileBytes(single.path)) << "the batch's file differs from the single conversion's";
+    EXPECT_TRUE(file->second == gamewriters::ReadFileBytes(single.path)) << "the batch's file differs from the single conversion's";
   }
 
   Run("one", 1, "ChildIdle");

@@ -11,12 +11,12 @@
 
 #include "app/convert_actor.h"
 #include "image/image_decode.h"
-#include "support/image_writer.h"
-#include "support/pack_writer.h"
+#include "game_writers/image_writer.h"
+#include "game_writers/pack_writer.h"
 #include "support/shell_run.h"
-#include "support/skinned_actor.h"
+#include "game_writers/skinned_actor.h"
 #include "support/temp_dir.h"
-#include "support/xml_writer.h"
+#include "game_writers/xml_writer.h"
 
 namespace {
 
@@ -40,21 +40,21 @@ struct Answers : ISaveDialog, IRigDialog {
 class TextureExport : public testing::Test {
  public:
   void SetUp() override {
-    testsupport::SkinnedActorDesc desc{.meshCount = 2, .gridSize = 2, .boneCount = 2, .semiTransparent = semiTransparent};
+    gamewriters::SkinnedActorDesc desc{.meshCount = 2, .gridSize = 2, .boneCount = 2, .semiTransparent = semiTransparent};
     desc.textures = {{{"baseDiffuse", "tex\\corners.png"}, {"normalMap", "tex\\missing.dds"}, {"glow", "tex\\broken.png"}},
                      {{"BaseDiffuse", "tex\\stone.dds"}}};
-    const testsupport::SkinnedActor actor = testsupport::BuildSkinnedActor(desc);
-    stoneDds = testsupport::BuildDds(4, 2, {10, 20, 30, 255, 40, 50, 60, 255, 70, 80, 90, 255, 1, 2, 3, 4,
+    const gamewriters::SkinnedActor actor = gamewriters::BuildSkinnedActor(desc);
+    stoneDds = gamewriters::BuildDds(4, 2, {10, 20, 30, 255, 40, 50, 60, 255, 70, 80, 90, 255, 1, 2, 3, 4,
                                             5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15, 16, 17, 18, 19, 20});
-    const std::vector<testsupport::PackFileEntry> files = {
+    const std::vector<gamewriters::PackFileEntry> files = {
         {"materials_3.xml", actor.catalogue},
         {"model.dmod", actor.model},
-        {"actor.adr", testsupport::BuildActor({.fileName = "model.dmod"})},
-        {"tex\\corners.png", testsupport::BuildPng(2, 2, kCorners)},
+        {"actor.adr", gamewriters::BuildActor({.fileName = "model.dmod"})},
+        {"tex\\corners.png", gamewriters::BuildPng(2, 2, kCorners)},
         {"tex\\stone.dds", stoneDds},
         {"tex\\broken.png", "not an image"},
     };
-    ASSERT_TRUE(testsupport::WriteFileBytes(dir.Join("assets_000.pack"), testsupport::BuildPack({{testsupport::PackChunk{files}}})));
+    ASSERT_TRUE(gamewriters::WriteFileBytes(dir.Join("assets_000.pack"), gamewriters::BuildPack({{gamewriters::PackChunk{files}}})));
     ASSERT_TRUE(packs.Open(dir.Path().c_str()));
     CByteBuffer catalogue;
     ASSERT_TRUE(packs.FetchByName("materials_3.xml", catalogue));
@@ -103,12 +103,12 @@ TEST_F(TextureExport, WritesEachTextureOnceAsPngWithItsPixelsAndLeavesOutWhatItC
                                                "actor.fbm/tex/stone_alpha.png"}));
 
   DecodedImage png, alpha, source;
-  const std::string corners = testsupport::ReadFileBytes(dir.Join("out/actor.fbm/tex/corners.png"));
+  const std::string corners = gamewriters::ReadFileBytes(dir.Join("out/actor.fbm/tex/corners.png"));
   ASSERT_TRUE(Decode(corners, png));
   EXPECT_EQ(std::vector<u8>(png.pixels.begin(), png.pixels.end()), kCorners) << "a PNG comes out exactly";
   EXPECT_EQ(corners[25], 2) << "colour type 2: no alpha channel";
-  ASSERT_TRUE(Decode(testsupport::ReadFileBytes(dir.Join("out/actor.fbm/tex/stone.png")), png));
-  ASSERT_TRUE(Decode(testsupport::ReadFileBytes(dir.Join("out/actor.fbm/tex/stone_alpha.png")), alpha));
+  ASSERT_TRUE(Decode(gamewriters::ReadFileBytes(dir.Join("out/actor.fbm/tex/stone.png")), png));
+  ASSERT_TRUE(Decode(gamewriters::ReadFileBytes(dir.Join("out/actor.fbm/tex/stone_alpha.png")), alpha));
   ASSERT_TRUE(Decode(stoneDds, source));
   EXPECT_EQ(png.width, 4u);
   EXPECT_EQ(png.height, 2u);
@@ -126,13 +126,13 @@ TEST_F(TextureExport, WritesEachTextureOnceAsPngWithItsPixelsAndLeavesOutWhatItC
   // Without the option: the file of before, and no folder.
   const std::string plain = dir.Join("plain/actor.fbx");
   std::filesystem::create_directories(dir.Join("plain"));
-  const std::string withTextures = testsupport::ReadFileBytes(out);
+  const std::string withTextures = gamewriters::ReadFileBytes(out);
   ASSERT_TRUE(Convert(plain, false).Written());
   EXPECT_FALSE(std::filesystem::exists(dir.Join("plain/actor.fbm")));
-  EXPECT_NE(testsupport::ReadFileBytes(plain), withTextures);
+  EXPECT_NE(gamewriters::ReadFileBytes(plain), withTextures);
   testsupport::TempDir again;
   ASSERT_TRUE(Convert(again.Join("actor.fbx"), false).Written());
-  EXPECT_EQ(testsupport::ReadFileBytes(again.Join("actor.fbx")), testsupport::ReadFileBytes(plain));
+  EXPECT_EQ(gamewriters::ReadFileBytes(again.Join("actor.fbx")), gamewriters::ReadFileBytes(plain));
 }
 
 TEST_F(TextureExport, AssimpFindsEachMeshsDiffuseTextureFile) {
@@ -232,7 +232,7 @@ TEST_F(TextureExport, BlenderTakesTheDiffuseAsOpaqueWhereTheMaterialIsntSeeThrou
 TEST_F(SeeThroughTextureExport, BlenderBlendsBySeeThroughMaterialsAlpha) {
   ExpectOpacity(*this, dir.Path(), true, stoneDds);
   // The FBX material says so in the format's own words.
-  const std::string fbx = testsupport::ReadFileBytes(dir.Join("actor.fbx"));
+  const std::string fbx = gamewriters::ReadFileBytes(dir.Join("actor.fbx"));
   EXPECT_NE(fbx.find("TransparentColor"), std::string::npos);
   EXPECT_NE(fbx.find("TransparencyFactor"), std::string::npos);
   EXPECT_FALSE(std::filesystem::exists(dir.Join("actor.fbm/tex/stone_alpha.png"))) << "the alpha stays in the image";

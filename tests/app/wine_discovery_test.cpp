@@ -6,9 +6,9 @@
 
 #include "app/open_game_folder.h"
 #include "app_fixture.h"
-#include "support/skinned_actor.h"
+#include "game_writers/skinned_actor.h"
 #include "support/wine_prefix.h"
-#include "support/xml_writer.h"
+#include "game_writers/xml_writer.h"
 
 namespace {
 
@@ -33,15 +33,15 @@ struct Home {
 // A game of one actor whose packs lie in `assets` below `folder`, named `pack` with the number.
 void WriteGame(const std::string& folder, const std::string& assets = "Resources/Assets",
                const std::string& pack = "assets_%03u.pack") {
-  const testsupport::SkinnedActor hero = testsupport::BuildSkinnedActor({.boneCount = 2});
-  const std::vector<testsupport::PackFileEntry> files = {
+  const gamewriters::SkinnedActor hero = gamewriters::BuildSkinnedActor({.boneCount = 2});
+  const std::vector<gamewriters::PackFileEntry> files = {
       {"materials_3.xml", hero.catalogue},
       {"models\\hero.dmod", hero.model},
-      {"actors\\hero.adr", testsupport::BuildActor({.fileName = "models\\hero.dmod"})}};
+      {"actors\\hero.adr", gamewriters::BuildActor({.fileName = "models\\hero.dmod"})}};
   char name[64];
   std::snprintf(name, sizeof(name), pack.c_str(), 0u);
-  ASSERT_TRUE(testsupport::WriteFileBytes(folder + "/" + assets + "/" + name,
-                                          testsupport::BuildPack({{testsupport::PackChunk{files}}})));
+  ASSERT_TRUE(gamewriters::WriteFileBytes(folder + "/" + assets + "/" + name,
+                                          gamewriters::BuildPack({{gamewriters::PackChunk{files}}})));
 }
 
 std::string Windows(std::string path) {
@@ -71,7 +71,7 @@ TEST(WineDiscovery, EachRowFromTheFirstPlaceThatHasItsDigest) {
   ASSERT_TRUE(testsupport::MakeWinePrefix(broken, "bob"));
   std::filesystem::remove(broken + "/dosdevices/c:");
   std::filesystem::create_directory_symlink("../drive_gone", broken + "/dosdevices/c:");
-  ASSERT_TRUE(testsupport::WriteFileBytes(steam + "/steamapps/libraryfolders.vdf",
+  ASSERT_TRUE(gamewriters::WriteFileBytes(steam + "/steamapps/libraryfolders.vdf",
                                           testsupport::LibraryFoldersVdf({steam, library})));
 
   // Aldermoor: at home and in ~/.wine; home comes first.
@@ -93,7 +93,7 @@ TEST(WineDiscovery, EachRowFromTheFirstPlaceThatHasItsDigest) {
       testsupport::WritePrefixDigest(proton, "steamuser", "Quillon Interactive", "Brackenfell Beta", "C:\\Older"));
   // Cinderhollow Brackenfell: a second user of ~/.wine, every name in another case than on disk.
   WriteGame(wine + "/drive_c/Program Files/Cinderhollow", "resources/ASSETS", "Assets_%03u.PACK");
-  ASSERT_TRUE(testsupport::WriteFileBytes(
+  ASSERT_TRUE(gamewriters::WriteFileBytes(
       wine + "/drive_c/users/zed/appdata/locallow/marrowgate studio/DIGESTS/Cinderhollow Brackenfell.loc",
       "c:/PROGRAM FILES/cinderhollow"));
   // Dunmarrow: behind a drive link that leads nowhere.

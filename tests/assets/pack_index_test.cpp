@@ -6,14 +6,14 @@
 #include <vector>
 
 #include "support/allocation_failure.h"
-#include "support/pack_writer.h"
+#include "game_writers/pack_writer.h"
 #include "support/temp_dir.h"
 
 namespace {
 
-using testsupport::BuildPack;
-using testsupport::PackLayout;
-using testsupport::SingleChunkPack;
+using gamewriters::BuildPack;
+using gamewriters::PackLayout;
+using gamewriters::SingleChunkPack;
 
 std::string Fetch(const PackIndex& index, const char* name) {
   CByteBuffer bytes;
@@ -35,9 +35,9 @@ std::vector<std::string> WalkNames(const PackIndex& index) {
 
 class PackIndexTest : public testing::Test {
  protected:
-  bool Write(const std::vector<PackLayout>& packs) { return testsupport::WritePacks(dir.Path(), packs); }
+  bool Write(const std::vector<PackLayout>& packs) { return gamewriters::WritePacks(dir.Path(), packs); }
   bool WriteRaw(u32 number, const std::string& bytes) {
-    return testsupport::WriteFileBytes(dir.Join(testsupport::PackFileName(number)), bytes);
+    return gamewriters::WriteFileBytes(dir.Join(gamewriters::PackFileName(number)), bytes);
   }
   bool Open(PackIndex& index) { return index.Open(dir.Path().c_str()); }
   void ExpectFailsEmpty() {
@@ -55,7 +55,7 @@ TEST_F(PackIndexTest, FirstOccurrencePlacesLastOccurrenceDecides) {
   first.chunks.push_back({.entries = {{.name = "a.adr", .data = "a0"}, {.name = "dup", .data = "chunk0"}}});
   first.chunks.push_back({});  // empty chunks are followed
   first.chunks.push_back({.entries = {{.name = "dup", .data = "chunk2"}, {.name = "b.mrn", .data = "b0"}}});
-  first.placement = testsupport::DataPlacement::AfterEachChunk;
+  first.placement = gamewriters::DataPlacement::AfterEachChunk;
   PackLayout second = SingleChunkPack({{"c.adr", "c1"}, {"a.adr", "a1"}, {"a.adr", "a1 again"}});
   second.chunks.push_back({});  // and a last empty one ends the pack
   ASSERT_TRUE(Write({first, second}));
@@ -196,7 +196,7 @@ TEST_F(PackIndexTest, ReopenReusesTheTableAndLargeDirectoriesCrossReadBlocks) {
   for (int i = 0; i < 30000; ++i) files.push_back({"folder\\file_" + std::to_string(i), std::to_string(i)});
   files.push_back({std::string(300000, 'n'), "long name"});
   testsupport::TempDir other;
-  ASSERT_TRUE(testsupport::WritePacks(other.Path(), {SingleChunkPack(files)}));
+  ASSERT_TRUE(gamewriters::WritePacks(other.Path(), {SingleChunkPack(files)}));
   ASSERT_TRUE(index.Open((other.Path() + "//").c_str())) << "separators are normalised";
   ASSERT_EQ(index.EntryCount(), files.size());
   for (size_t i = 0; i < files.size(); i += 997) EXPECT_EQ(Fetch(index, files[i].first.c_str()), files[i].second);

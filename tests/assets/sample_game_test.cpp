@@ -1,4 +1,4 @@
-#include "support/sample_game.h"
+#include "game_writers/sample_game.h"
 
 #include <gtest/gtest.h>
 
@@ -43,8 +43,8 @@ class SampleGame : public testing::Test {
  protected:
   void SetUp() override {
     std::string error;
-    ASSERT_TRUE(testsupport::BuildSampleGame(dir.Join("sample"), &error)) << error;
-    paths = testsupport::SampleGameLayout(dir.Join("sample"));
+    ASSERT_TRUE(gamewriters::BuildSampleGame(dir.Join("sample"), &error)) << error;
+    paths = gamewriters::SampleGameLayout(dir.Join("sample"));
     ASSERT_TRUE(index.Open(paths.assets.c_str()));
     ASSERT_EQ(index.PackCount(), 3u);
     CByteBuffer catalogue;
@@ -83,7 +83,7 @@ class SampleGame : public testing::Test {
   }
 
   testsupport::TempDir dir;
-  testsupport::SampleGamePaths paths;
+  gamewriters::SampleGamePaths paths;
   PackIndex index;
   MaterialDefinitionSet definitions;
   CByteBuffer modelBytes, paletteBytes;
@@ -104,7 +104,7 @@ std::string DiffuseTexture(const ModelMaterial& material) {
 }
 
 TEST_F(SampleGame, TheDigestLeadsToPacksWhoseEveryFileReads) {
-  EXPECT_EQ(testsupport::ReadFileBytes(paths.digest), paths.game) << "the bare path, no line end";
+  EXPECT_EQ(gamewriters::ReadFileBytes(paths.digest), paths.game) << "the bare path, no line end";
 
   std::vector<std::string> actors, networks;
   index.Walk([&](const char* name, const PackEntry*) {
@@ -167,7 +167,7 @@ TEST_F(SampleGame, EveryActorConvertsWithTheRigItIsMeantToFind) {
     ASSERT_TRUE(WriteScene(state.fbxManager.get(), state.fbxScene, path.c_str()));
     testsupport::FbxReadFile fbx;
     std::string error;
-    EXPECT_TRUE(testsupport::ReadFbxBinary(testsupport::ReadFileBytes(path), fbx, error)) << error;
+    EXPECT_TRUE(testsupport::ReadFbxBinary(gamewriters::ReadFileBytes(path), fbx, error)) << error;
   }
 }
 

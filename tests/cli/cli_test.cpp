@@ -6,15 +6,15 @@
 #include <vector>
 
 #include "core/hash.h"
-#include "support/model_writer.h"
-#include "support/pack_writer.h"
-#include "support/rig_writer.h"
-#include "support/sample_game.h"
+#include "game_writers/model_writer.h"
+#include "game_writers/pack_writer.h"
+#include "game_writers/rig_writer.h"
+#include "game_writers/sample_game.h"
 #include "support/shell_run.h"
-#include "support/skinned_actor.h"
+#include "game_writers/skinned_actor.h"
 #include "support/temp_dir.h"
 #include "support/wine_prefix.h"
-#include "support/xml_writer.h"
+#include "game_writers/xml_writer.h"
 
 namespace {
 
@@ -37,12 +37,12 @@ std::vector<std::string> Lines(const std::string& text) {
 
 TEST(Cli, ConvertsEveryActorOfTheSampleGame) {
   testsupport::TempDir dir;
-  ASSERT_TRUE(testsupport::BuildSampleGame(dir.Path(), nullptr));
-  const std::string data = "--data-dir '" + testsupport::SampleGameLayout(dir.Path()).userData + "' ";
+  ASSERT_TRUE(gamewriters::BuildSampleGame(dir.Path(), nullptr));
+  const std::string data = "--data-dir '" + gamewriters::SampleGameLayout(dir.Path()).userData + "' ";
 
   const CliRun games = Cli(data + "games");
   EXPECT_EQ(games.status, 0);
-  EXPECT_EQ(games.out, "Aldermoor\t" + testsupport::SampleGameLayout(dir.Path()).game + "\n")
+  EXPECT_EQ(games.out, "Aldermoor\t" + gamewriters::SampleGameLayout(dir.Path()).game + "\n")
       << "the folder is shown with the platform's separators";
   const std::vector<std::string> actors = Lines(Cli(data + "list").out);
   ASSERT_EQ(actors.size(), 10u);
@@ -73,26 +73,26 @@ TEST(Cli, ConvertsEveryActorOfTheSampleGame) {
 
 // A game whose actors fail at each step a conversion takes, beside one that converts.
 std::string FailingGame(const testsupport::TempDir& dir) {
-  const testsupport::SkinnedActor hero = testsupport::BuildSkinnedActor({.boneCount = 2});
-  testsupport::RigLayout clash = hero.rig;
+  const gamewriters::SkinnedActor hero = gamewriters::BuildSkinnedActor({.boneCount = 2});
+  gamewriters::RigLayout clash = hero.rig;
   clash.bones.push_back({.name = "BONE_0"});  // hashes as bone_0: two rig bones claim one model bone
-  testsupport::PaletteDesc unknown;
+  gamewriters::PaletteDesc unknown;
   unknown.materials = {{.definitionHash = 1}};
   const auto actor = [](const std::string& model, const std::string& palette = "", const std::string& set = "") {
-    testsupport::ActorXml xml{.fileName = model};
+    gamewriters::ActorXml xml{.fileName = model};
     if (!palette.empty()) xml.paletteName = palette;
     if (!set.empty()) {
       xml.hasAnimationNetwork = true;
       xml.networkFileName = "rigs\\hero.mrn";
       xml.animSetName = set;
     }
-    return testsupport::BuildActor(xml);
+    return gamewriters::BuildActor(xml);
   };
-  const std::vector<testsupport::PackFileEntry> files = {
+  const std::vector<gamewriters::PackFileEntry> files = {
       {"materials_3.xml", hero.catalogue},
       {"models\\hero.dmod", hero.model},
-      {"hero.mrn", testsupport::BuildRigNetwork(testsupport::NetworkWithSets({{1, hero.rig}, {2, clash}}, {{"Idle", 1}, {"Clash", 2}}))},
-      {"palettes\\unknown.dmat", testsupport::BuildPalette(unknown)},
+      {"hero.mrn", gamewriters::BuildRigNetwork(gamewriters::NetworkWithSets({{1, hero.rig}, {2, clash}}, {{"Idle", 1}, {"Clash", 2}}))},
+      {"palettes\\unknown.dmat", gamewriters::BuildPalette(unknown)},
       {"actors\\hero.adr", actor("models\\hero.dmod", "", "Idle")},
       {"actors\\broken.adr", "<ActorRuntime"},
       {"actors\\no_model.adr", actor("models\\missing.dmod")},
@@ -103,8 +103,8 @@ std::string FailingGame(const testsupport::TempDir& dir) {
       {"actors\\bad_mesh.adr", actor("models\\hero.dmod", "palettes\\unknown.dmat")},
   };
   const std::string folder = dir.Join("game");
-  EXPECT_TRUE(testsupport::WriteFileBytes(folder + "/Resources/Assets/assets_000.pack",
-                                          testsupport::BuildPack({{testsupport::PackChunk{files}}})));
+  EXPECT_TRUE(gamewriters::WriteFileBytes(folder + "/Resources/Assets/assets_000.pack",
+                                          gamewriters::BuildPack({{gamewriters::PackChunk{files}}})));
   return folder;
 }
 
@@ -169,8 +169,8 @@ TEST(Cli, BatchConvertSummarisesAndExitsByWhatWasWritten) {
     int status;
   };
   const std::string sample = dir.Join("sample");
-  ASSERT_TRUE(testsupport::BuildSampleGame(sample, nullptr));
-  const std::string data = "--data-dir '" + testsupport::SampleGameLayout(sample).userData + "' ";
+  ASSERT_TRUE(gamewriters::BuildSampleGame(sample, nullptr));
+  const std::string data = "--data-dir '" + gamewriters::SampleGameLayout(sample).userData + "' ";
   const Case cases[] = {
       {data + "convert '*' --out-dir '" + dir.Join("all") + "' --rig childidle", 0},
       {data + "convert '*' --out-dir '" + dir.Join("all") + "'", 1},  // the scarecrow's rig is not answered
@@ -187,8 +187,8 @@ TEST(Cli, BatchConvertSummarisesAndExitsByWhatWasWritten) {
 // Every command opens a game the one way and says by one meaning of its status how it went.
 TEST(Cli, EveryCommandOpensAGameFolderAsTheWindowDoesAndExitsByOneMeaning) {
   testsupport::TempDir dir;
-  ASSERT_TRUE(testsupport::BuildSampleGame(dir.Path(), nullptr));
-  const testsupport::SampleGamePaths layout = testsupport::SampleGameLayout(dir.Path());
+  ASSERT_TRUE(gamewriters::BuildSampleGame(dir.Path(), nullptr));
+  const gamewriters::SampleGamePaths layout = gamewriters::SampleGameLayout(dir.Path());
   const std::string folder = "--game-dir '" + layout.game + "' ";
   const CliRun games = Cli(folder + "games", false);
   EXPECT_EQ(games.status, 0);
@@ -239,7 +239,7 @@ TEST(Cli, EveryCommandOpensAGameFolderAsTheWindowDoesAndExitsByOneMeaning) {
 
 TEST(Cli, FindsListsAndConvertsAGameInAProtonPrefixOrAPrefixGivenByHand) {
   testsupport::TempDir temp;
-  ASSERT_TRUE(testsupport::BuildSampleGame(temp.Path(), nullptr));
+  ASSERT_TRUE(gamewriters::BuildSampleGame(temp.Path(), nullptr));
   const std::string base = std::filesystem::canonical(temp.Path()).string();
   const std::string home = base + "/home";
   const std::string library = base + "/library";
@@ -252,7 +252,7 @@ TEST(Cli, FindsListsAndConvertsAGameInAProtonPrefixOrAPrefixGivenByHand) {
   std::string windowsGame = "Z:" + game;
   for (char& c : windowsGame) c = c == '/' ? '\\' : c;
   ASSERT_TRUE(testsupport::WritePrefixDigest(proton, "steamuser", "Marrowgate Studio", "Aldermoor", windowsGame));
-  ASSERT_TRUE(testsupport::WriteFileBytes(steam + "/steamapps/libraryfolders.vdf",
+  ASSERT_TRUE(gamewriters::WriteFileBytes(steam + "/steamapps/libraryfolders.vdf",
                                           testsupport::LibraryFoldersVdf({steam, library})));
   const std::string noData = "--data-dir '" + base + "/empty' ";
 
@@ -290,7 +290,7 @@ TEST(Cli, FindsListsAndConvertsAGameInAProtonPrefixOrAPrefixGivenByHand) {
 
 namespace {
 
-std::string Magic(const std::string& path) { return testsupport::ReadFileBytes(path).substr(0, 4); }
+std::string Magic(const std::string& path) { return gamewriters::ReadFileBytes(path).substr(0, 4); }
 
 TEST(Cli, TheOutputsExtensionOrFormatChoosesFbxOrGlb) {
   testsupport::TempDir dir;

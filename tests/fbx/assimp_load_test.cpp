@@ -22,7 +22,7 @@ const aiNode* FindNode(const aiNode* node, const std::string& name) {
 
 // An independent reader takes the file: meshes, faces, bones with their weights, and the tree.
 TEST(AssimpLoad, ReadsTheSkinnedActorAsWritten) {
-  const testsupport::SkinnedActorDesc desc{.meshCount = 3, .gridSize = 5, .boneCount = 7};
+  const gamewriters::SkinnedActorDesc desc{.meshCount = 3, .gridSize = 5, .boneCount = 7};
   exporttest::LoadedActor loaded;
   loaded.Load(desc);
   testsupport::TempDir dir;
@@ -47,7 +47,7 @@ TEST(AssimpLoad, ReadsTheSkinnedActorAsWritten) {
     // Each corner maps back to its grid vertex by position, and carries that vertex's weights.
     std::map<std::pair<float, float>, u32> vertexAt;
     for (u32 v = 0; v < desc.gridSize * desc.gridSize; ++v) {
-      const auto g = testsupport::SkinnedActorVertex(desc, 0, v);
+      const auto g = gamewriters::SkinnedActorVertex(desc, 0, v);
       vertexAt[{g.position[0], g.position[2]}] = v;
     }
     std::set<std::string> names;
@@ -58,7 +58,7 @@ TEST(AssimpLoad, ReadsTheSkinnedActorAsWritten) {
       for (unsigned w = 0; w < bone->mNumWeights; ++w) {
         const aiVector3D& p = mesh->mVertices[bone->mWeights[w].mVertexId];
         const u32 v = vertexAt.at({p.x, p.z});
-        const auto g = testsupport::SkinnedActorVertex(desc, m, v);
+        const auto g = gamewriters::SkinnedActorVertex(desc, m, v);
         const u32 k = "bone_" + std::to_string(g.bones[0]) == bone->mName.C_Str() ? 0 : 1;
         EXPECT_EQ("bone_" + std::to_string(g.bones[k]), bone->mName.C_Str());
         EXPECT_NEAR(bone->mWeights[w].mWeight, g.weights[k], 1e-6);

@@ -18,7 +18,7 @@ namespace {
 using exporttest::LoadedActor;
 using testsupport::FbxReadFile;
 using testsupport::FbxReadRecord;
-using testsupport::SkinnedActorDesc;
+using gamewriters::SkinnedActorDesc;
 
 // A written file by object: records by id, names, and the OO links from child to parents.
 struct Scene {
@@ -87,7 +87,7 @@ void ExpectNear(const FbxAMatrix& a, const FbxAMatrix& b, const std::string& wha
 }
 
 // The global bind matrix of each rig bone composed from its stored translation and quaternion.
-std::vector<FbxAMatrix> DirectGlobals(const testsupport::RigLayout& rig) {
+std::vector<FbxAMatrix> DirectGlobals(const gamewriters::RigLayout& rig) {
   std::vector<FbxAMatrix> globals(rig.bones.size());
   std::vector<bool> done(rig.bones.size());
   std::function<void(size_t)> resolve = [&](size_t i) {
@@ -132,7 +132,7 @@ std::string Convert(LoadedActor& loaded, const testsupport::TempDir& dir, const 
   exporttest::RigDialog rigs;
   EXPECT_TRUE(exporttest::Convert(loaded, save, rigs));
   EXPECT_TRUE(rigs.shown.empty()) << "a rig named by the actor is never asked for";
-  return testsupport::ReadFileBytes(save.path);
+  return gamewriters::ReadFileBytes(save.path);
 }
 
 TEST(ExportRoundTrip, SkinnedActorValueByValue) {
@@ -211,7 +211,7 @@ TEST(ExportRoundTrip, SkinnedActorValueByValue) {
     std::map<u32, std::vector<std::pair<int64_t, double>>> expected;  // rig bone: (vertex, weight)
     std::vector<u32> firstUse;
     for (u32 v = 0; v < vertices; ++v) {
-      const testsupport::GridVertex g = testsupport::SkinnedActorVertex(desc, m, v);
+      const gamewriters::GridVertex g = gamewriters::SkinnedActorVertex(desc, m, v);
       for (u32 k = 0; k < 3; ++k) EXPECT_EQ(points[3 * v + k], g.position[k]);
       EXPECT_EQ(normals[3 * v + 1], 1.0);
       EXPECT_EQ(uv[2 * v], g.uv[0]);
@@ -259,12 +259,12 @@ TEST(ExportRoundTrip, SkinnedActorValueByValue) {
 TEST(ExportRoundTrip, AncestorsGetEmptyClustersAfterTheWeightedBone) {
   // The model has one bone, C, the last of the chain A-B-C in the rig.
   LoadedActor loaded;
-  loaded.files = testsupport::BuildSkinnedActor({.boneCount = 1});
+  loaded.files = gamewriters::BuildSkinnedActor({.boneCount = 1});
   ASSERT_TRUE(loaded.definitions.Read(exporttest::Bytes(loaded.files.catalogue)));
   ASSERT_TRUE(Read(loaded.model, exporttest::Bytes(loaded.files.model), loaded.materials));
-  testsupport::RigLayout chain;
+  gamewriters::RigLayout chain;
   chain.bones = {{.name = "A"}, {.name = "B", .parent = 0}, {.name = "bone_0", .parent = 1}};
-  loaded.AddNetwork("rig", testsupport::NetworkWithSets({{3, chain}}, {}));
+  loaded.AddNetwork("rig", gamewriters::NetworkWithSets({{3, chain}}, {}));
   loaded.actor.borrowSkeleton = true;
   testsupport::TempDir dir;
   Scene scene;

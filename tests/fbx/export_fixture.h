@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "app/convert_actor.h"
-#include "support/skinned_actor.h"
+#include "game_writers/skinned_actor.h"
 #include "support/temp_dir.h"
 
 // A skinned actor read from the bytes the test writers make, and a conversion of it run the way
@@ -22,7 +22,7 @@ inline CByteBuffer Bytes(const std::string& bytes) {
 }
 
 struct LoadedActor {
-  testsupport::SkinnedActor files;
+  gamewriters::SkinnedActor files;
   MaterialDefinitionSet definitions;
   ModelFile model;
   ModelMaterials materials;
@@ -32,21 +32,21 @@ struct LoadedActor {
   ~LoadedActor() { definitions.Destroy(); }
 
   // Reads the actor's catalogue and model, and puts its rig under "hero" as the set "Idle" (id 7).
-  void Load(const testsupport::SkinnedActorDesc& desc) {
-    files = testsupport::BuildSkinnedActor(desc);
+  void Load(const gamewriters::SkinnedActorDesc& desc) {
+    files = gamewriters::BuildSkinnedActor(desc);
     ASSERT_TRUE(definitions.Read(Bytes(files.catalogue)));
     ASSERT_TRUE(Read(model, Bytes(files.model), materials));
-    AddNetwork("hero", testsupport::NetworkWithSets({{7, files.rig}}, {{"Idle", 7}}));
+    AddNetwork("hero", gamewriters::NetworkWithSets({{7, files.rig}}, {{"Idle", 7}}));
     ASSERT_TRUE(actor.animationNetworkName.Assign("anims\\hero.mrn"));
     ASSERT_TRUE(actor.animSetName.Assign("IDLE"));
   }
 
-  void AddNetwork(const char* key, const testsupport::RigNetworkLayout& layout) {
+  void AddNetwork(const char* key, const gamewriters::RigNetworkLayout& layout) {
     CStringA name;
     ASSERT_TRUE(name.Assign(key));
     RigNetwork* network = rigs.FindOrInsert(name);
     ASSERT_TRUE(network);
-    ASSERT_TRUE(Read(*network, Bytes(testsupport::BuildRigNetwork(layout))));
+    ASSERT_TRUE(Read(*network, Bytes(gamewriters::BuildRigNetwork(layout))));
   }
 };
 

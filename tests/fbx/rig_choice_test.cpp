@@ -13,8 +13,8 @@
 namespace {
 
 using exporttest::LoadedActor;
-using testsupport::NetworkWithSets;
-using testsupport::RigLayout;
+using gamewriters::NetworkWithSets;
+using gamewriters::RigLayout;
 
 RigLayout Rig(const std::vector<std::string>& names) {
   RigLayout rig;
@@ -28,7 +28,7 @@ struct RigChoice : testing::Test {
   exporttest::RigDialog dialog;
 
   void SetUp() override {
-    loaded.files = testsupport::BuildSkinnedActor({.boneCount = 2});
+    loaded.files = gamewriters::BuildSkinnedActor({.boneCount = 2});
     ASSERT_TRUE(Read(loaded.model, exporttest::Bytes(loaded.files.model), loaded.materials));
   }
   // The rig that the scene settles on: its first bone's name, or "" for none.
@@ -108,7 +108,7 @@ TEST(RigMatches, AModelWithoutBones) {
   RigSkeleton empty;
   EXPECT_TRUE(RigMatches(none, empty)) << "no bones on either side";
   RigNetwork network;
-  ASSERT_TRUE(Read(network, exporttest::Bytes(testsupport::BuildRigNetwork(NetworkWithSets({{1, Rig({"a"})}}, {})))));
+  ASSERT_TRUE(Read(network, exporttest::Bytes(gamewriters::BuildRigNetwork(NetworkWithSets({{1, Rig({"a"})}}, {})))));
   EXPECT_TRUE(RigMatches(none, network.rigs[0])) << "nothing of the model is missing";
   EXPECT_EQ(FindRig(network, "a"), nullptr) << "no sets";
 }

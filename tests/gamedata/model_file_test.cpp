@@ -9,14 +9,14 @@
 
 #include "core/hash.h"
 #include "support/allocation_failure.h"
-#include "support/model_writer.h"
+#include "game_writers/model_writer.h"
 
 namespace {
 
-using testsupport::BuildModel;
-using testsupport::BuildPalette;
-using testsupport::ModelDesc;
-using testsupport::PaletteDesc;
+using gamewriters::BuildModel;
+using gamewriters::BuildPalette;
+using gamewriters::ModelDesc;
+using gamewriters::PaletteDesc;
 
 // Granule 1: exactly the file's length, so the sanitizer sees a read one byte past it.
 struct ExactBytes {
@@ -100,12 +100,12 @@ TEST(ModelFile, WellFormedFilesReadAsWritten) {
   // What `materials` holds before each read; a model without a chunk must leave it so.
   const PaletteDesc before{.names = {"earlier"}, .materials = {{.materialKey = 99}}};
   auto variant = [](auto change) {
-    ModelDesc desc = testsupport::SampleModel();
+    ModelDesc desc = gamewriters::SampleModel();
     change(desc);
     return desc;
   };
   const std::pair<const char*, ModelDesc> cases[] = {
-      {"every kind of block", testsupport::SampleModel()},
+      {"every kind of block", gamewriters::SampleModel()},
       {"no material chunk", variant([](ModelDesc& d) { d.materials.reset(); })},
       {"bone count 0 ends the file whatever the map says", variant([](ModelDesc& d) { d.bones.clear(); })},
       {"bytes after the last block", variant([](ModelDesc& d) { d.trailing = "ignored"; })},
@@ -114,7 +114,7 @@ TEST(ModelFile, WellFormedFilesReadAsWritten) {
       {"empty chunk", variant([](ModelDesc& d) { d.materials = PaletteDesc{}; })},
       {"nothing at all", ModelDesc{}},
       {"four-byte indices, three streams",
-       variant([](ModelDesc& d) { d.meshes = {testsupport::PatternMesh(300, {4, 40, 1}, 4, 900)}; })},
+       variant([](ModelDesc& d) { d.meshes = {gamewriters::PatternMesh(300, {4, 40, 1}, 4, 900)}; })},
   };
   for (const auto& [what, desc] : cases) {
     SCOPED_TRACE(what);
@@ -136,8 +136,8 @@ TEST(ModelFile, WellFormedFilesReadAsWritten) {
 }
 
 TEST(ModelFile, EveryTruncationFails) {
-  const std::string model = BuildModel(testsupport::SampleModel());
-  const std::string palette = BuildPalette(testsupport::SamplePalette());
+  const std::string model = BuildModel(gamewriters::SampleModel());
+  const std::string palette = BuildPalette(gamewriters::SamplePalette());
   for (size_t cut = 0; cut < model.size(); ++cut) {
     SCOPED_TRACE(cut);
     ExactBytes file(model.substr(0, cut));
@@ -153,7 +153,7 @@ TEST(ModelFile, EveryTruncationFails) {
 // Counts are chosen so that count times record size wraps to 0 in 32 bits where they can: a reader
 // that sizes an array by them asks for more memory than the sanitizer build gives, and stops.
 TEST(ModelFile, MalformedFilesFail) {
-  const u32 chunkSize = static_cast<u32>(BuildPalette(testsupport::SamplePalette()).size());
+  const u32 chunkSize = static_cast<u32>(BuildPalette(gamewriters::SamplePalette()).size());
   // A palette case breaks the sample palette, both alone and as the sample model's chunk.
   struct Case {
     const char* what;
@@ -186,7 +186,7 @@ TEST(ModelFile, MalformedFilesFail) {
   };
   for (const Case& c : cases) {
     SCOPED_TRACE(c.what);
-    ModelDesc desc = testsupport::SampleModel();
+    ModelDesc desc = gamewriters::SampleModel();
     if (c.model) c.model(desc);
     if (c.palette) c.palette(*desc.materials);
     ExactBytes file(BuildModel(desc));
@@ -198,7 +198,7 @@ TEST(ModelFile, MalformedFilesFail) {
 }
 
 TEST(ModelFile, RefusedMemoryAtEveryStepFailsCleanly) {
-  const ModelDesc desc = testsupport::SampleModel();
+  const ModelDesc desc = gamewriters::SampleModel();
   // The palette alone too: there its last allocation is a parameter's block.
   for (const bool whole : {true, false}) {
     ExactBytes file(whole ? BuildModel(desc) : BuildPalette(*desc.materials));

@@ -9,18 +9,18 @@
 #include <vector>
 
 #include "support/allocation_failure.h"
-#include "support/rig_writer.h"
+#include "game_writers/rig_writer.h"
 
 namespace {
 
-using testsupport::BuildRigFile;
-using testsupport::BuildRigNetwork;
-using testsupport::LookupLayout;
-using testsupport::NetworkLayout;
-using testsupport::RigFileChunk;
-using testsupport::RigNetworkChunks;
-using testsupport::RigNetworkLayout;
-using testsupport::RigLayout;
+using gamewriters::BuildRigFile;
+using gamewriters::BuildRigNetwork;
+using gamewriters::LookupLayout;
+using gamewriters::NetworkLayout;
+using gamewriters::RigFileChunk;
+using gamewriters::RigNetworkChunks;
+using gamewriters::RigNetworkLayout;
+using gamewriters::RigLayout;
 
 // Granule 1: the buffer ends exactly where the bytes do, so any overread reaches the sanitizer.
 CByteBuffer Bytes(const std::string& bytes) {
@@ -181,7 +181,7 @@ struct Walk {
 };
 
 TEST(RigNetworkTest, WalksChunksAsLaidOut) {
-  const std::string rig = testsupport::BuildRigChunkData(Chain("b", 2));
+  const std::string rig = gamewriters::BuildRigChunkData(Chain("b", 2));
   const RigFileChunk rigChunk{.type = 1, .id = 5, .data = rig};
   const RigFileChunk other{.type = 99, .data = "abcde"};
   const std::string alone = BuildRigFile({other});
@@ -189,7 +189,7 @@ TEST(RigNetworkTest, WalksChunksAsLaidOut) {
   const std::string overlong = BuildRigFile({{.type = 99, .dataSize = 1000}, rigChunk});
   const std::string copiedOverlong = BuildRigFile({rigChunk, {.type = 15, .dataSize = 8}});
   std::string farAligned = BuildRigFile({{.type = 1}});
-  testsupport::PutU32(farAligned, 36, 0x80000000);
+  gamewriters::PutU32(farAligned, 36, 0x80000000);
   const Walk cases[] = {
       {"first header alone", alone, true, {}},
       {"trailing bytes too few for a header", alone + std::string(39, '\x01'), true, {}},
@@ -212,7 +212,7 @@ TEST(RigNetworkTest, WalksChunksAsLaidOut) {
   }
 
   std::string wrongTag = alone;
-  testsupport::PutU32(wrongTag, 4, 7);
+  gamewriters::PutU32(wrongTag, 4, 7);
   EXPECT_TRUE(IsRigNetwork(Bytes(alone)));
   EXPECT_FALSE(IsRigNetwork(Bytes(wrongTag)));
   EXPECT_FALSE(IsRigNetwork(Bytes(alone.substr(0, 39))));

@@ -7,11 +7,12 @@
 #include "gamedata/actor_definition.h"
 #include "gamedata/material_definitions.h"
 #include "support/allocation_failure.h"
-#include "support/xml_writer.h"
+#include "game_writers/xml_writer.h"
 
 namespace {
 
 using namespace testsupport;
+using namespace gamewriters;
 
 CByteBuffer Bytes(const std::string& text) {
   CByteBuffer bytes;

@@ -12,14 +12,14 @@
 #include "gltf/gltf_scene.h"
 #include "image/image_decode.h"
 #include "support/allocation_failure.h"
-#include "support/image_writer.h"
-#include "support/pack_writer.h"
-#include "support/xml_writer.h"
+#include "game_writers/image_writer.h"
+#include "game_writers/pack_writer.h"
+#include "game_writers/xml_writer.h"
 
 namespace {
 
 using exporttest::LoadedActor;
-using testsupport::SkinnedActorDesc;
+using gamewriters::SkinnedActorDesc;
 
 struct Export {
   ConvertOutcome outcome;
@@ -38,7 +38,7 @@ Export Convert(LoadedActor& loaded, const std::string& path, ExportFormat format
   ExportActor(GameTables{packs ? *packs : noPacks, loaded.definitions, loaded.rigs}, "actors\\hero.adr", loaded.actor,
               loaded.model, loaded.materials, {save, rig}, result.outcome,
               {.creationTime = exporttest::FixedTime, .textures = textures, .format = format});
-  if (result.outcome.Written()) result.bytes = testsupport::ReadFileBytes(path);
+  if (result.outcome.Written()) result.bytes = gamewriters::ReadFileBytes(path);
   std::string error;
   if (result.bytes.compare(0, 4, "glTF") == 0) {
     EXPECT_TRUE(glbtest::ReadGlb(result.bytes, result.glb, error)) << error;
@@ -47,7 +47,7 @@ Export Convert(LoadedActor& loaded, const std::string& path, ExportFormat format
 }
 
 // Each rig bone's global bind matrix from its stored translation and rotation.
-std::vector<FbxAMatrix> RigGlobals(const testsupport::RigLayout& rig) {
+std::vector<FbxAMatrix> RigGlobals(const gamewriters::RigLayout& rig) {
   std::vector<FbxAMatrix> globals(rig.bones.size());
   for (size_t i = 0; i < rig.bones.size(); ++i) {  // parents come first in the test writers' rigs
     const auto& bone = rig.bones[i];
@@ -62,7 +62,7 @@ std::vector<FbxAMatrix> RigGlobals(const testsupport::RigLayout& rig) {
 // Makes the actor take its rig as it now stands in `files`.
 void UseRig(LoadedActor& loaded) {
   const std::string key = "changed_" + std::to_string(loaded.rigs.Count());  // a network of its own each time
-  loaded.AddNetwork(key.c_str(), testsupport::NetworkWithSets({{7, loaded.files.rig}}, {{"Idle", 7}}));
+  loaded.AddNetwork(key.c_str(), gamewriters::NetworkWithSets({{7, loaded.files.rig}}, {{"Idle", 7}}));
   ASSERT_TRUE(loaded.actor.animationNetworkName.Assign(("anims\\" + key + ".mrn").c_str()));
 }
 
@@ -145,7 +145,7 @@ TEST(GltfExport, EachVertexKeepsItsPositionUvsAndBonesWithWeightsThatSumToOne) {
     ASSERT_EQ(positions.size(), 27u);
     for (u32 v = 0; v < 9; ++v) {
       SCOPED_TRACE(v);
-      const testsupport::GridVertex expected = testsupport::SkinnedActorVertex(desc, u32(m), v);
+      const gamewriters::GridVertex expected = gamewriters::SkinnedActorVertex(desc, u32(m), v);
       for (u32 a = 0; a < 3; ++a) EXPECT_EQ(positions[3 * v + a], expected.position[a]);
       // The game's UVs have their origin at the image's top left, as glTF's do: they come back.
       EXPECT_NEAR(uv0[2 * v], expected.uv[0], 1e-7);
@@ -289,7 +289,7 @@ TEST(GltfExport, TheFormatFollowsTheOptionOrElseTheExtension) {
   exporttest::RigDialog rig;
   save.path = dir.Join("default.fbx");
   ASSERT_TRUE(exporttest::Convert(loaded, save, rig));
-  EXPECT_EQ(testsupport::ReadFileBytes(save.path), testsupport::ReadFileBytes(dir.Join("c.fbx")));
+  EXPECT_EQ(gamewriters::ReadFileBytes(save.path), gamewriters::ReadFileBytes(dir.Join("c.fbx")));
 }
 
 TEST(GltfExport, AFileThatCantBeWrittenFailsWithItsLineAndLeavesNothing) {
@@ -308,9 +308,9 @@ const std::vector<u8> kCorners = {255, 0, 0, 255, 0, 255, 0, 255, 0, 0, 255, 255
 
 // A game folder whose one pack holds "tex\\corners.png", opened in `packs`.
 void OpenCornersPack(const testsupport::TempDir& dir, PackIndex& packs) {
-  const std::vector<testsupport::PackFileEntry> files = {{"tex\\corners.png", testsupport::BuildPng(2, 2, kCorners)}};
-  ASSERT_TRUE(testsupport::WriteFileBytes(dir.Join("assets_000.pack"),
-                                          testsupport::BuildPack({{testsupport::PackChunk{files}}})));
+  const std::vector<gamewriters::PackFileEntry> files = {{"tex\\corners.png", gamewriters::BuildPng(2, 2, kCorners)}};
+  ASSERT_TRUE(gamewriters::WriteFileBytes(dir.Join("assets_000.pack"),
+                                          gamewriters::BuildPack({{gamewriters::PackChunk{files}}})));
   ASSERT_TRUE(packs.Open(dir.Path().c_str()));
 }
 

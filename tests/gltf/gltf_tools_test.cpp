@@ -12,7 +12,7 @@
 
 #include "fbx/export_fixture.h"
 #include "glb_reader.h"
-#include "support/sample_game.h"
+#include "game_writers/sample_game.h"
 #include "support/shell_run.h"
 
 namespace {
@@ -51,9 +51,9 @@ class GltfTools : public testing::Test {
   static void SetUpTestSuite() {
     dir = new testsupport::TempDir;
     std::string error;
-    ASSERT_TRUE(testsupport::BuildSampleGame(dir->Path(), &error)) << error;
+    ASSERT_TRUE(gamewriters::BuildSampleGame(dir->Path(), &error)) << error;
     const std::string cli = std::string(TARNWICK_CLI) + " --data-dir " +
-                            Quoted(testsupport::SampleGameLayout(dir->Path()).userData) + " convert '*' --rig Idle ";
+                            Quoted(gamewriters::SampleGameLayout(dir->Path()).userData) + " convert '*' --rig Idle ";
     const std::string out = dir->Join("out");
     for (const std::string& options : {"--format glb --out-dir " + out, "--out-dir " + out,
                                        "--format glb --textures --out-dir " + dir->Join("textured")}) {
@@ -72,7 +72,7 @@ class GltfTools : public testing::Test {
       LoadedActor loaded;
       loaded.Load({.meshCount = 1, .gridSize = 3, .boneCount = 3});
       loaded.files.rig.bones[0].name = "elsewhere";
-      loaded.AddNetwork("changed", testsupport::NetworkWithSets({{7, loaded.files.rig}}, {{"Idle", 7}}));
+      loaded.AddNetwork("changed", gamewriters::NetworkWithSets({{7, loaded.files.rig}}, {{"Idle", 7}}));
       ASSERT_TRUE(loaded.actor.animationNetworkName.Assign("anims\\changed.mrn"));
       WritePair(loaded, actors, "unweighted");
     }
@@ -88,7 +88,7 @@ class GltfTools : public testing::Test {
         loaded.files.rig.bones.push_back(
             {.name = "extra_" + std::to_string(i), .parent = i32(i % 4), .translation = {0, 0.5f, 0, 0}});
       }
-      loaded.AddNetwork("large", testsupport::NetworkWithSets({{7, loaded.files.rig}}, {{"Idle", 7}}));
+      loaded.AddNetwork("large", gamewriters::NetworkWithSets({{7, loaded.files.rig}}, {{"Idle", 7}}));
       ASSERT_TRUE(loaded.actor.animationNetworkName.Assign("anims\\large.mrn"));
       WritePair(loaded, actors, "many_bones");
     }
@@ -142,7 +142,7 @@ TEST_F(GltfTools, EveryActorPassesTheKhronosValidatorWithoutErrorOrWarning) {
   for (const std::string& file : textured) {
     glbtest::Glb glb;
     std::string error;
-    ASSERT_TRUE(glbtest::ReadGlb(testsupport::ReadFileBytes(file), glb, error)) << error;
+    ASSERT_TRUE(glbtest::ReadGlb(gamewriters::ReadFileBytes(file), glb, error)) << error;
     for (const nlohmann::json& material : glb.json["materials"]) {
       EXPECT_EQ(material.value("alphaMode", ""), file.ends_with("wisp.glb") ? "BLEND" : "") << file;
     }
@@ -213,7 +213,7 @@ TEST_F(GltfTools, AssimpReadsTheGlbWithTheFbxsMeshesWeightsAndBones) {
     // node's first child.
     glbtest::Glb file;
     std::string error;
-    ASSERT_TRUE(glbtest::ReadGlb(testsupport::ReadFileBytes(glb), file, error)) << error;
+    ASSERT_TRUE(glbtest::ReadGlb(gamewriters::ReadFileBytes(glb), file, error)) << error;
     const nlohmann::json& nodes = file.json["nodes"];
     const std::string rootBone =
         nodes[0].contains("children") ? nodes[nodes[0]["children"][0].get<size_t>()]["name"].get<std::string>() : "";

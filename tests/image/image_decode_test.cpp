@@ -8,14 +8,14 @@
 #include <vector>
 
 #include "support/allocation_failure.h"
-#include "support/image_writer.h"
+#include "game_writers/image_writer.h"
 
 namespace {
 
-using testsupport::BuildDdsDx10;
-using testsupport::BuildDdsWithFormat;
-using testsupport::DdsFourCC;
-using testsupport::DdsPixelFormat;
+using gamewriters::BuildDdsDx10;
+using gamewriters::BuildDdsWithFormat;
+using gamewriters::DdsFourCC;
+using gamewriters::DdsPixelFormat;
 using Pixel = std::array<u8, 4>;
 using namespace std::string_literals;
 
@@ -56,7 +56,7 @@ TEST(ImageDecode, PngTgaAndDdsRoundTrip) {
   const std::vector<u8> rgba = {255, 0, 0, 255, 0,   255, 0,   128, 0, 0,  255, 0,
                                 1,   2, 3, 4,   250, 251, 252, 253, 9, 99, 199, 255};
   for (const std::string& file :
-       {testsupport::BuildPng(3, 2, rgba), testsupport::BuildTga(3, 2, rgba), testsupport::BuildDds(3, 2, rgba)}) {
+       {gamewriters::BuildPng(3, 2, rgba), gamewriters::BuildTga(3, 2, rgba), gamewriters::BuildDds(3, 2, rgba)}) {
     DecodedImage image;
     ASSERT_TRUE(Decode(file, image)) << file.substr(0, 4);
     EXPECT_EQ(image.width, 3u);
@@ -182,7 +182,7 @@ TEST(DdsDecode, EveryPrefixFailsAndTheWholeFileDecodes) {
   const std::vector<u8> rgba(4 * 5 * 3, 77);
   const std::string bc1 = Bytes({0, 0, 0x00, 0x80}) + kColourIndices;
   const std::pair<const char*, std::string> files[] = {
-      {"bit masks", testsupport::BuildDds(5, 3, rgba)},
+      {"bit masks", gamewriters::BuildDds(5, 3, rgba)},
       {"four-character code", WithFourCC(4, 4, "DXT1", bc1)},
       {"DX10 header", BuildDdsDx10(4, 4, 71, bc1)},
   };
@@ -215,7 +215,7 @@ TEST(DdsDecode, EdgeBlocksAreClippedToTheImage) {
 
 TEST(ImageDecode, BadFilesFailAndEmptyTheImage) {
   const std::string dxt1 = WithFourCC(4, 4, "DXT1", std::string(8, '\x55'));
-  const std::string png = testsupport::BuildPng(4, 4, {});
+  const std::string png = gamewriters::BuildPng(4, 4, {});
   const std::pair<const char*, std::string> cases[] = {
       {"empty", ""},
       {"truncated header", dxt1.substr(0, 100)},
@@ -244,7 +244,7 @@ TEST(ImageDecode, BadFilesFailAndEmptyTheImage) {
               0x00, 0x00, 0x00, 0x49, 0x44, 0x41, 0x54, 0x78, 0x9c, 0x01, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x09,
               0x00, 0x00, 0x67, 0xf2, 0xf1, 0xff, 0x8c, 0x4c, 0xcc, 0x2c, 0x00, 0x51, 0x0d, 0x06, 0xb9, 0xa0, 0x57,
               0x9b, 0x64, 0x00, 0x00, 0x00, 0x00, 0x49, 0x45, 0x4e, 0x44, 0xae, 0x42, 0x60, 0x82})},
-      {"a 16384x16384 TGA of 82 bytes", Patched(testsupport::BuildTga(4, 4, {}), 12, 0x40004000)},
+      {"a 16384x16384 TGA of 82 bytes", Patched(gamewriters::BuildTga(4, 4, {}), 12, 0x40004000)},
       {"random bytes", Bytes({0x5E, 0xB7, 0x21, 0x93, 0x0C, 0xF4, 0x6A, 0xD1, 0x38, 0x8F, 0xE2, 0x47, 0x15, 0xAB})},
   };
   for (const auto& [name, file] : cases) {
@@ -261,13 +261,13 @@ TEST(ImageDecode, PngInflatingFarPastItsRowsFails) {
   // A little left over is harmless; 64 MiB behind a 1x1 image (a 64 KiB file) is not let grow.
   for (const auto& [trailing, decodes] : {std::pair<size_t, bool>{100, true}, {size_t(64) << 20, false}}) {
     DecodedImage image;
-    EXPECT_EQ(Decode(testsupport::BuildPng(1, 1, {1, 2, 3, 4}, trailing), image), decodes) << trailing;
+    EXPECT_EQ(Decode(gamewriters::BuildPng(1, 1, {1, 2, 3, 4}, trailing), image), decodes) << trailing;
   }
 }
 
 TEST(ImageDecode, RefusedMemoryAtEveryStepFailsCleanly) {
   const std::vector<u8> rgba(16 * 16 * 4, 0x7E);
-  for (const std::string& file : {testsupport::BuildPng(16, 16, rgba), testsupport::BuildDds(16, 16, rgba)}) {
+  for (const std::string& file : {gamewriters::BuildPng(16, 16, rgba), gamewriters::BuildDds(16, 16, rgba)}) {
     u64 failAt = 1;
     for (; failAt < 100; ++failAt) {
       SCOPED_TRACE(failAt);

@@ -10,7 +10,7 @@ namespace {
 
 TEST(FileHandle, OpensExistingFilesByEitherSeparatorAndReadsExactly) {
   testsupport::TempDir dir;
-  ASSERT_TRUE(testsupport::WriteFileBytes(dir.Join("sub/data.bin"), "0123456789"));
+  ASSERT_TRUE(gamewriters::WriteFileBytes(dir.Join("sub/data.bin"), "0123456789"));
   FileHandle file;
   EXPECT_FALSE(file.Open(dir.Join("missing.bin").c_str()));
   EXPECT_FALSE(file.Open(dir.Join("sub").c_str())) << "a folder";

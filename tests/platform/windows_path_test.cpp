@@ -20,7 +20,7 @@ std::string Internal(std::string path) {
 TEST(MatchPathCase, TakesEachPartAsSpelledElseTheFirstThatDiffersOnlyInCase) {
   testsupport::TempDir dir;
   for (const char* file : {"Games/Data/a.pack", "Games/DATA/b.pack", "Games/data/c.pack", "Other/x.pack"}) {
-    ASSERT_TRUE(testsupport::WriteFileBytes(dir.Join(file), "x"));
+    ASSERT_TRUE(gamewriters::WriteFileBytes(dir.Join(file), "x"));
   }
   struct Case {
     const char* path;
@@ -53,8 +53,8 @@ TEST(WindowsPath, MapsTheDriveThroughItsLinkThenMatchesCase) {
   const auto join = [&](const std::string& name) { return base + "/" + name; };
   const std::string prefix = join("pfx");
   ASSERT_TRUE(testsupport::MakeWinePrefix(prefix, "steamuser"));
-  ASSERT_TRUE(testsupport::WriteFileBytes(prefix + "/drive_c/Program Files/Aldermoor/game.txt", "x"));
-  ASSERT_TRUE(testsupport::WriteFileBytes(join("library/common/Dunmarrow/game.txt"), "x"));
+  ASSERT_TRUE(gamewriters::WriteFileBytes(prefix + "/drive_c/Program Files/Aldermoor/game.txt", "x"));
+  ASSERT_TRUE(gamewriters::WriteFileBytes(join("library/common/Dunmarrow/game.txt"), "x"));
   std::error_code error;
   std::filesystem::create_directory_symlink(join("library"), prefix + "/dosdevices/d:", error);
   std::filesystem::create_directory_symlink(join("gone"), prefix + "/dosdevices/e:", error);

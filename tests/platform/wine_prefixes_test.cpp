@@ -41,9 +41,9 @@ TEST(WinePrefixes, GivenThenEnvironmentThenHomeThenEverySteamLibraryEachOnce) {
   std::error_code error;
   std::filesystem::create_directory_symlink(steam, home + "/.steam/steam", error);
   ASSERT_FALSE(error);
-  ASSERT_TRUE(testsupport::WriteFileBytes(steam + "/steamapps/libraryfolders.vdf",
+  ASSERT_TRUE(gamewriters::WriteFileBytes(steam + "/steamapps/libraryfolders.vdf",
                                           testsupport::LibraryFoldersVdf({steam, library, "relative/library"})));
-  ASSERT_TRUE(testsupport::WriteFileBytes(flatpak + "/steamapps/libraryfolders.vdf", "\"libraryfolders\" { \"0\""));
+  ASSERT_TRUE(gamewriters::WriteFileBytes(flatpak + "/steamapps/libraryfolders.vdf", "\"libraryfolders\" { \"0\""));
 
   WinePrefixSearch search{
       .home = home, .winePrefix = dir.Join("env"), .prefixes = {dir.Join("given"), home + "/.wine/"}};

@@ -7,16 +7,16 @@
 #include <vector>
 
 #include "core/hash.h"
-#include "support/image_writer.h"
-#include "support/model_writer.h"
-#include "support/pack_writer.h"
-#include "support/skinned_actor.h"
+#include "game_writers/image_writer.h"
+#include "game_writers/model_writer.h"
+#include "game_writers/pack_writer.h"
+#include "game_writers/skinned_actor.h"
 #include "support/temp_dir.h"
-#include "support/xml_writer.h"
+#include "game_writers/xml_writer.h"
 
 namespace {
 
-using testsupport::PackFileEntry;
+using gamewriters::PackFileEntry;
 
 // Records what the render control asks of the graphics.
 class FakeDevice final : public IRenderDevice {
@@ -107,15 +107,15 @@ class FakeHost final : public IRenderHost {
 };
 
 std::string SolidPng(u8 r, u8 g, u8 b) {
-  return testsupport::BuildPng(2, 2, std::vector<u8>{r, g, b, 255, r, g, b, 255, r, g, b, 255, r, g, b, 255});
+  return gamewriters::BuildPng(2, 2, std::vector<u8>{r, g, b, 255, r, g, b, 255, r, g, b, 255, r, g, b, 255});
 }
 
 // A game of one pack: the catalogue, the actors and their files.
 class RenderWindowTest : public ::testing::Test {
  protected:
   void Open(std::vector<PackFileEntry> files) {
-    ASSERT_TRUE(testsupport::WriteFileBytes(dir.Join("assets_000.pack"),
-                                            testsupport::BuildPack({{testsupport::PackChunk{files}}})));
+    ASSERT_TRUE(gamewriters::WriteFileBytes(dir.Join("assets_000.pack"),
+                                            gamewriters::BuildPack({{gamewriters::PackChunk{files}}})));
     ASSERT_TRUE(packs.Open(dir.Path().c_str()));
     CByteBuffer catalogue;
     ASSERT_TRUE(packs.FetchByName("materials_3.xml", catalogue));
@@ -127,10 +127,10 @@ class RenderWindowTest : public ::testing::Test {
     return preview.LoadActor(packs.Find(name), name, with, skeletons);
   }
   // The actor `name` over `model`, with the catalogue and `extra` files.
-  std::vector<PackFileEntry> Game(const testsupport::SkinnedActor& model, std::vector<PackFileEntry> extra = {}) {
+  std::vector<PackFileEntry> Game(const gamewriters::SkinnedActor& model, std::vector<PackFileEntry> extra = {}) {
     extra.push_back({"materials_3.xml", model.catalogue});
     extra.push_back({"models\\thing.dmod", model.model});
-    extra.push_back({"actors\\thing.adr", testsupport::BuildActor({.fileName = "models\\thing.dmod"})});
+    extra.push_back({"actors\\thing.adr", gamewriters::BuildActor({.fileName = "models\\thing.dmod"})});
     return extra;
   }
 
@@ -142,7 +142,7 @@ class RenderWindowTest : public ::testing::Test {
 };
 
 TEST_F(RenderWindowTest, InfoTextListsEachMeshsTexturesAndDrawsTheDiffuseOne) {
-  testsupport::SkinnedActorDesc desc{.meshCount = 4, .gridSize = 3, .boneCount = 2};
+  gamewriters::SkinnedActorDesc desc{.meshCount = 4, .gridSize = 3, .boneCount = 2};
   desc.textures = {
       {{"normalMap", "tex\\n.dds"}, {"baseDiffuse", "tex\\a.png"}},
       {{"BaseDiffuse", "TEX\\A.PNG"}},                          // the other spelling; the name's hash ignores case
@@ -150,7 +150,7 @@ TEST_F(RenderWindowTest, InfoTextListsEachMeshsTexturesAndDrawsTheDiffuseOne) {
       {{"baseDiffuse", "tex\\broken.png"}},                     // can't be decoded: flat, still listed
   };
   Open(Game(
-      testsupport::BuildSkinnedActor(desc),
+      gamewriters::BuildSkinnedActor(desc),
       {{"tex\\a.png", SolidPng(10, 200, 30)}, {"tex\\b.png", SolidPng(1, 2, 3)}, {"tex\\broken.png", "not an image"}}));
 
   ASSERT_TRUE(Load("actors\\thing.adr", &materials));
@@ -183,9 +183,9 @@ TEST_F(RenderWindowTest, InfoTextListsEachMeshsTexturesAndDrawsTheDiffuseOne) {
 }
 
 TEST_F(RenderWindowTest, FramesTheModelsBox) {
-  testsupport::SkinnedActorDesc desc{.meshCount = 1, .gridSize = 2, .boneCount = 1};
+  gamewriters::SkinnedActorDesc desc{.meshCount = 1, .gridSize = 2, .boneCount = 1};
   desc.bounds = {1, 1, 1, 3, 3, 3};  // size 2, centred on (2, 2, 2)
-  Open(Game(testsupport::BuildSkinnedActor(desc)));
+  Open(Game(gamewriters::BuildSkinnedActor(desc)));
   ASSERT_TRUE(Load("actors\\thing.adr", &materials));
   preview.Tick();
   // Centred, unturned, then moved 3.6 away: the box of size 2 at an aspect of 1.
@@ -197,7 +197,7 @@ TEST_F(RenderWindowTest, FramesTheModelsBox) {
 }
 
 TEST_F(RenderWindowTest, AResizeKeepsTheVerticalViewAndWidensTheHorizontal) {
-  Open(Game(testsupport::BuildSkinnedActor({.gridSize = 2, .boneCount = 1})));
+  Open(Game(gamewriters::BuildSkinnedActor({.gridSize = 2, .boneCount = 1})));
   const Matrix4 square = preview.Projection();  // 200 x 200
   const i32 requested = host.framesRequested;
   preview.Resize(400, 200);
@@ -209,15 +209,15 @@ TEST_F(RenderWindowTest, AResizeKeepsTheVerticalViewAndWidensTheHorizontal) {
 }
 
 TEST_F(RenderWindowTest, FailedLoadsEmptyThePreviewAndKeepTheTextUpToTheirFailure) {
-  testsupport::SkinnedActorDesc desc{.meshCount = 2, .gridSize = 2, .boneCount = 1};
-  testsupport::SkinnedActor model = testsupport::BuildSkinnedActor(desc);
-  testsupport::PaletteDesc shortPalette;  // one material for two meshes
+  gamewriters::SkinnedActorDesc desc{.meshCount = 2, .gridSize = 2, .boneCount = 1};
+  gamewriters::SkinnedActor model = gamewriters::BuildSkinnedActor(desc);
+  gamewriters::PaletteDesc shortPalette;  // one material for two meshes
   shortPalette.materials.push_back({.definitionHash = HashExact("SkinnedMaterial")});
   Open(Game(model, {{"actors\\palette_gone.adr",
-                     testsupport::BuildActor({.fileName = "models\\thing.dmod", .paletteName = "gone.dmat"})},
+                     gamewriters::BuildActor({.fileName = "models\\thing.dmod", .paletteName = "gone.dmat"})},
                     {"actors\\short.adr",
-                     testsupport::BuildActor({.fileName = "models\\thing.dmod", .paletteName = "short.dmat"})},
-                    {"short.dmat", testsupport::BuildPalette(shortPalette)},
+                     gamewriters::BuildActor({.fileName = "models\\thing.dmod", .paletteName = "short.dmat"})},
+                    {"short.dmat", gamewriters::BuildPalette(shortPalette)},
                     {"actors\\broken.adr", "<ActorRuntime>"}}));
   ASSERT_TRUE(Load("actors\\thing.adr", &materials));
   const std::string good = preview.GetInfoText();
@@ -238,7 +238,7 @@ TEST_F(RenderWindowTest, FailedLoadsEmptyThePreviewAndKeepTheTextUpToTheirFailur
 // The GPU would read past the vertex buffer for an index past the vertices: such a mesh fails the
 // load instead of reaching the device.
 TEST_F(RenderWindowTest, AnIndexPastTheVerticesIsNeverUploaded) {
-  testsupport::SkinnedActor model = testsupport::BuildSkinnedActor({.gridSize = 2, .boneCount = 1});
+  gamewriters::SkinnedActor model = gamewriters::BuildSkinnedActor({.gridSize = 2, .boneCount = 1});
   const std::string indices = std::string("\0\0\1\0\2\0\2\0\1\0\3\0", 12);
   const size_t at = model.model.find(indices);
   ASSERT_NE(at, std::string::npos);
@@ -250,8 +250,8 @@ TEST_F(RenderWindowTest, AnIndexPastTheVerticesIsNeverUploaded) {
 }
 
 TEST_F(RenderWindowTest, AsksForAFirstFrameAtInitAndStopsALoadWithoutItsContext) {
-  testsupport::SkinnedActorDesc desc{.meshCount = 2, .gridSize = 2, .boneCount = 1};
-  Open(Game(testsupport::BuildSkinnedActor(desc)));
+  gamewriters::SkinnedActorDesc desc{.meshCount = 2, .gridSize = 2, .boneCount = 1};
+  Open(Game(gamewriters::BuildSkinnedActor(desc)));
   // Without it the control shows whatever was there until the first actor, not the clear colour.
   EXPECT_EQ(host.framesRequested, 1);
   ASSERT_TRUE(Load("actors\\thing.adr", &materials));
@@ -304,7 +304,7 @@ class FixedRig final : public ISkeletonSource {
 class PreviewViewsTest : public RenderWindowTest {
  protected:
   void SetUp() override {
-    Open(Game(testsupport::BuildSkinnedActor({.meshCount = 2, .gridSize = 2, .boneCount = 2})));
+    Open(Game(gamewriters::BuildSkinnedActor({.meshCount = 2, .gridSize = 2, .boneCount = 2})));
     ASSERT_TRUE(Load("actors\\thing.adr", &materials, &rigs));
     base = preview.GetInfoText();
   }

@@ -3,6 +3,8 @@
 #include <string>
 #include <string_view>
 
+#include "game_writers/file_bytes.h"  // the files put in such a folder
+
 namespace testsupport {
 
 // A fresh folder under $TMPDIR (or /tmp), removed with everything in it when this object dies.
@@ -20,11 +22,5 @@ class TempDir {
  private:
   std::string path;
 };
-
-// The whole file at `path`; empty when it can't be read.
-std::string ReadFileBytes(const std::string& path);
-
-// Writes `bytes` to `path`, making the folders above it. False on any failure.
-bool WriteFileBytes(const std::string& path, std::string_view bytes);
 
 }  // namespace testsupport

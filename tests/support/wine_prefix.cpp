@@ -2,7 +2,7 @@
 
 #include <filesystem>
 
-#include "support/temp_dir.h"
+#include "game_writers/file_bytes.h"
 
 namespace testsupport {
 
@@ -22,7 +22,7 @@ bool MakeWinePrefix(const std::string& prefix, const std::string& user) {
 
 bool WritePrefixDigest(const std::string& prefix, const std::string& user, const std::string& maker,
                        const std::string& game, const std::string& text) {
-  return WriteFileBytes(prefix + "/drive_c/users/" + user + "/AppData/LocalLow/" + maker + "/Digests/" + game + ".loc",
+  return gamewriters::WriteFileBytes(prefix + "/drive_c/users/" + user + "/AppData/LocalLow/" + maker + "/Digests/" + game + ".loc",
                         text);
 }
 

@@ -18,7 +18,7 @@
 #include <string>
 
 #include "app/app_state.h"
-#include "support/sample_game.h"
+#include "game_writers/sample_game.h"
 #include "support/temp_dir.h"
 #include "ui/main_window.h"
 #include "ui/render_control.h"
@@ -61,9 +61,9 @@ class DesktopTest : public ::testing::Test {
  protected:
   void SetUp() override {
     std::string error;
-    ASSERT_TRUE(testsupport::BuildSampleGame(dir.Path(), &error)) << error;
+    ASSERT_TRUE(gamewriters::BuildSampleGame(dir.Path(), &error)) << error;
     window.show();
-    window.Start(testsupport::SampleGameLayout(dir.Path()).userData.c_str());
+    window.Start(gamewriters::SampleGameLayout(dir.Path()).userData.c_str());
     ASSERT_TRUE(PumpUntil([&] { return app.ready && !app.workerBusy; }));
   }
 

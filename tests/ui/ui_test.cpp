@@ -111,15 +111,15 @@ TEST_F(DesktopTest, ConvertWritesTheSameFileAsTheCommandLine) {
   window.ConvertButton().click();
   ASSERT_TRUE(answered);
 
-  const testsupport::SampleGamePaths paths = testsupport::SampleGameLayout(dir.Path());
+  const gamewriters::SampleGamePaths paths = gamewriters::SampleGameLayout(dir.Path());
   const std::string command = std::string(TARNWICK_CLI) + " --data-dir '" + paths.userData +
                               "' convert 'actors\\wolf.adr' -o '" + fromCli + "' 2>/dev/null >/dev/null";
   ASSERT_EQ(std::system(command.c_str()), 0);
 
   testsupport::FbxReadFile a, b;
   std::string error;
-  ASSERT_TRUE(testsupport::ReadFbxBinary(testsupport::ReadFileBytes(fromWindow), a, error)) << error;
-  ASSERT_TRUE(testsupport::ReadFbxBinary(testsupport::ReadFileBytes(fromCli), b, error)) << error;
+  ASSERT_TRUE(testsupport::ReadFbxBinary(gamewriters::ReadFileBytes(fromWindow), a, error)) << error;
+  ASSERT_TRUE(testsupport::ReadFbxBinary(gamewriters::ReadFileBytes(fromCli), b, error)) << error;
   ASSERT_EQ(a.records.size(), b.records.size());
   for (size_t i = 0; i < a.records.size(); ++i) ExpectSameRecords(a.records[i], b.records[i]);
 }
@@ -145,13 +145,13 @@ TEST_F(DesktopTest, TheSaveDialogsGltfTypeWritesTheCommandLinesGlb) {
   ASSERT_TRUE(answered);
   EXPECT_EQ(types, QStringList({QStringLiteral("FBX ( *.fbx)"), QStringLiteral("glTF binary ( *.glb)")}));
 
-  const testsupport::SampleGamePaths paths = testsupport::SampleGameLayout(dir.Path());
+  const gamewriters::SampleGamePaths paths = gamewriters::SampleGameLayout(dir.Path());
   const std::string command = std::string(TARNWICK_CLI) + " --data-dir '" + paths.userData +
                               "' convert 'actors\\wolf.adr' -o '" + fromCli + "' 2>/dev/null >/dev/null";
   ASSERT_EQ(std::system(command.c_str()), 0);
-  const std::string fromWindow = testsupport::ReadFileBytes(dir.Join("window_wolf.glb"));
+  const std::string fromWindow = gamewriters::ReadFileBytes(dir.Join("window_wolf.glb"));
   EXPECT_EQ(fromWindow.substr(0, 4), "glTF");
-  EXPECT_EQ(fromWindow, testsupport::ReadFileBytes(fromCli));
+  EXPECT_EQ(fromWindow, gamewriters::ReadFileBytes(fromCli));
 }
 
 TEST_F(DesktopTest, ConvertWithThreeSelectedWritesThemBelowAChosenFolder) {
@@ -175,7 +175,7 @@ TEST_F(DesktopTest, ConvertWithThreeSelectedWritesThemBelowAChosenFolder) {
   window.ConvertButton().click();
   ASSERT_TRUE(PumpUntil([&] { return !app.workerBusy && window.Window().GetCount(kLogList) > logged; }));
   for (const char* file : {"/actors/barrel.fbx", "/actors/crate.fbx", "/actors/wolf.fbx"}) {
-    EXPECT_FALSE(testsupport::ReadFileBytes(folder + file).empty()) << file;
+    EXPECT_FALSE(gamewriters::ReadFileBytes(folder + file).empty()) << file;
   }
   ASSERT_EQ(window.Window().GetCount(kLogList), logged + 1) << "one summary line";
   char line[512] = {};
@@ -210,7 +210,7 @@ TEST_F(DesktopTest, ConvertWithTwoSelectedWritesGlbWithTexturesWhenTheFolderDial
   ASSERT_TRUE(PumpUntil([&] { return !app.workerBusy && window.Window().GetCount(kLogList) > logged; }));
   EXPECT_EQ(formats, QStringList({QStringLiteral("FBX ( *.fbx)"), QStringLiteral("glTF binary ( *.glb)")}));
   for (const char* file : {"/actors/barrel.glb", "/actors/wisp.glb"}) {
-    const std::string bytes = testsupport::ReadFileBytes(folder + file);
+    const std::string bytes = gamewriters::ReadFileBytes(folder + file);
     EXPECT_EQ(bytes.substr(0, 4), "glTF") << file;
     EXPECT_NE(bytes.find("image/png"), std::string::npos) << file << ": its texture inside";
   }
@@ -237,7 +237,7 @@ TEST_F(DesktopTest, RigDialogListsTheFittingRigsSortedAndWantsASelection) {
   EXPECT_EQ(shown, (QStringList{QStringLiteral("ChildIdle"), QStringLiteral("Idle")}));
   EXPECT_TRUE(stayedOpen);
   EXPECT_TRUE(saved);
-  EXPECT_FALSE(testsupport::ReadFileBytes(path).empty());
+  EXPECT_FALSE(gamewriters::ReadFileBytes(path).empty());
 }
 
 TEST_F(DesktopTest, ReturnInTheSearchEditSearchesOnReleaseWithoutTyping) {
@@ -254,8 +254,8 @@ TEST_F(DesktopTest, ReturnInTheSearchEditSearchesOnReleaseWithoutTyping) {
 
 TEST_F(DesktopTest, OpenFolderListsSelectsAndOpensAnyFolderThatHoldsAGame) {
   testsupport::TempDir other;
-  ASSERT_TRUE(testsupport::BuildSampleGame(other.Path(), nullptr));
-  const std::string game = testsupport::SampleGameLayout(other.Path()).game;
+  ASSERT_TRUE(gamewriters::BuildSampleGame(other.Path(), nullptr));
+  const std::string game = gamewriters::SampleGameLayout(other.Path()).game;
   AnswerNextDialog<QFileDialog>([game](QFileDialog& dialog) {
     dialog.setDirectory(QString::fromStdString(game));
     dialog.selectFile(QString::fromStdString(game));

@@ -72,7 +72,7 @@ TEST_F(WindowInputTest, SearchSelectAndConvertFromTheKeyboardAlone) {
   SaveAs(path, &answered);
   Key(Qt::Key_S, Qt::ControlModifier);
   EXPECT_TRUE(answered);
-  EXPECT_EQ(testsupport::ReadFileBytes(path).substr(0, 18), std::string("Kaydara FBX Binary"));
+  EXPECT_EQ(gamewriters::ReadFileBytes(path).substr(0, 18), std::string("Kaydara FBX Binary"));
 }
 
 TEST_F(WindowInputTest, EachKeyIsNamedInItsButtonsTooltip) {
@@ -103,8 +103,8 @@ TEST_F(WindowInputTest, CtrlQClosesTheWindow) {
 
 TEST_F(WindowInputTest, ADroppedFolderOrFirstPackOpensItsGame) {
   testsupport::TempDir other;
-  ASSERT_TRUE(testsupport::BuildSampleGame(other.Path(), nullptr));
-  const std::string game = testsupport::SampleGameLayout(other.Path()).game;
+  ASSERT_TRUE(gamewriters::BuildSampleGame(other.Path(), nullptr));
+  const std::string game = gamewriters::SampleGameLayout(other.Path()).game;
   const std::string shown = QDir(QString::fromStdString(game)).absolutePath().toStdString();
   for (const std::string& dropped : {game, game + "/Resources/Assets/assets_000.pack"}) {
     ASSERT_TRUE(Drop(dropped)) << dropped;
@@ -124,7 +124,7 @@ TEST_F(WindowInputTest, ADroppedFolderOrFirstPackOpensItsGame) {
 
 TEST_F(WindowInputTest, ADropThatNamesNoGameFolderIsRefused) {
   const std::string file = dir.Join("notes.txt");
-  ASSERT_TRUE(testsupport::WriteFileBytes(file, "x"));
+  ASSERT_TRUE(gamewriters::WriteFileBytes(file, "x"));
   EXPECT_FALSE(Drop(file));
   const i32 logged = window.Window().GetCount(kLogList);
   // A folder is taken, and Open folder's own check says it holds no game.

@@ -28,7 +28,7 @@ TEST(Streams, ReadsAndSeeksOverTheSameBytes) {
   CMemoryStream memory(bytes);
   CFileStream* file = MemNew<CFileStream>();
   ASSERT_FALSE(file->Open(Wide(path).c_str())) << "missing file";
-  EXPECT_TRUE(testsupport::WriteFileBytes(path, "0123456789"));
+  EXPECT_TRUE(gamewriters::WriteFileBytes(path, "0123456789"));
   ASSERT_TRUE(file->Open(Wide(path).c_str()));
   for (IStream* stream : {static_cast<IStream*>(&memory), static_cast<IStream*>(file)}) {
     char buffer[16] = {};

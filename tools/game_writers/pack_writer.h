@@ -7,7 +7,7 @@
 
 #include "core/types.h"
 
-namespace testsupport {
+namespace gamewriters {
 
 // Plain descriptions of an assets_NNN.pack, turned into bytes by BuildPack. Every field that the
 // reader checks can be overridden to make a broken pack.
@@ -47,4 +47,4 @@ bool WritePacks(const std::string& folder, const std::vector<PackLayout>& packs)
 
 std::string PackFileName(u32 number);
 
-}  // namespace testsupport
+}  // namespace gamewriters

@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-namespace testsupport {
+namespace gamewriters {
 
 // Writers of the game's XML files from plain structs. An attribute left as nullopt is not written,
 // so tests can drop any of them; every text is written as given (escaped), so tests can also write
@@ -89,4 +89,4 @@ struct ActorXml {
 
 std::string BuildActor(const ActorXml& actor);
 
-}  // namespace testsupport
+}  // namespace gamewriters

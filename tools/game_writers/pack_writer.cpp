@@ -1,11 +1,11 @@
-#include "support/pack_writer.h"
+#include "game_writers/pack_writer.h"
 
 #include <algorithm>
 #include <cstdio>
 
-#include "support/temp_dir.h"
+#include "game_writers/file_bytes.h"
 
-namespace testsupport {
+namespace gamewriters {
 
 namespace {
 
@@ -102,4 +102,4 @@ bool WritePacks(const std::string& folder, const std::vector<PackLayout>& packs)
   return true;
 }
 
-}  // namespace testsupport
+}  // namespace gamewriters

@@ -5,7 +5,7 @@
 
 #include "core/types.h"
 
-namespace testsupport {
+namespace gamewriters {
 
 // Minimal image files for texture entries of a game. `rgba` holds width * height pixels of four
 // bytes, row by row from the top; a short vector is padded with transparent black.
@@ -36,4 +36,4 @@ std::string BuildDdsWithFormat(u32 width, u32 height, const DdsPixelFormat& form
 // DDS with the DX10 header after the main one, naming DXGI format number `dxgiFormat`.
 std::string BuildDdsDx10(u32 width, u32 height, u32 dxgiFormat, const std::string& data);
 
-}  // namespace testsupport
+}  // namespace gamewriters

@@ -1,10 +1,10 @@
-#include "support/model_writer.h"
+#include "game_writers/model_writer.h"
 
 #include <bit>
 
 #include "core/hash.h"
 
-namespace testsupport {
+namespace gamewriters {
 
 namespace {
 
@@ -148,4 +148,4 @@ ModelDesc SampleModel() {
   return model;
 }
 
-}  // namespace testsupport
+}  // namespace gamewriters

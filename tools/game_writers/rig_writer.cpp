@@ -1,9 +1,9 @@
-#include "support/rig_writer.h"
+#include "game_writers/rig_writer.h"
 
 #include <algorithm>
 #include <cstring>
 
-namespace testsupport {
+namespace gamewriters {
 
 namespace {
 
@@ -211,4 +211,4 @@ std::vector<RigFileChunk> RigNetworkChunks(const RigNetworkLayout& layout) {
   return chunks;
 }
 
-}  // namespace testsupport
+}  // namespace gamewriters

@@ -7,7 +7,7 @@
 
 #include "core/types.h"
 
-namespace testsupport {
+namespace gamewriters {
 
 // Plain descriptions of a rig network file (.mrn), turned into bytes by the Build functions. The
 // fields that a reader checks can be overridden (the std::optional ones) to make broken files.
@@ -110,4 +110,4 @@ inline std::string BuildRigNetwork(const RigNetworkLayout& layout) { return Buil
 // Little-endian store at `at`, growing `bytes` with zeros as needed.
 void PutU32(std::string& bytes, size_t at, u32 value);
 
-}  // namespace testsupport
+}  // namespace gamewriters

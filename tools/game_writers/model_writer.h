@@ -6,7 +6,7 @@
 
 #include "core/types.h"
 
-namespace testsupport {
+namespace gamewriters {
 
 // Plain descriptions of model files (DMOD) and of material chunks, which stand alone as palettes
 // (DMAT), turned into little-endian bytes by BuildModel and BuildPalette. Each optional field
@@ -89,4 +89,4 @@ MeshDesc PatternMesh(u32 vertexCount, const std::vector<u32>& strides, u32 bytes
 PaletteDesc SamplePalette();
 ModelDesc SampleModel();
 
-}  // namespace testsupport
+}  // namespace gamewriters

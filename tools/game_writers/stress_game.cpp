@@ -1,14 +1,14 @@
-#include "support/stress_game.h"
+#include "game_writers/stress_game.h"
 
 #include <cstdio>
 #include <vector>
 
-#include "support/pack_writer.h"
-#include "support/skinned_actor.h"
-#include "support/temp_dir.h"
-#include "support/xml_writer.h"
+#include "game_writers/pack_writer.h"
+#include "game_writers/skinned_actor.h"
+#include "game_writers/file_bytes.h"
+#include "game_writers/xml_writer.h"
 
-namespace testsupport {
+namespace gamewriters {
 
 namespace {
 
@@ -85,4 +85,4 @@ bool BuildStressGame(const std::string& dir, const StressGameDesc& desc, std::st
   return false;
 }
 
-}  // namespace testsupport
+}  // namespace gamewriters

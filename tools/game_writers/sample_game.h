@@ -4,7 +4,7 @@
 
 #include "core/types.h"
 
-namespace testsupport {
+namespace gamewriters {
 
 // Where BuildSampleGame puts things below `dir`, as absolute paths.
 struct SampleGamePaths {
@@ -28,4 +28,4 @@ bool BuildSampleGame(const std::string& dir, std::string* error);
 // and two names that map to one output file ("batch\\<n>\\Twin.adr" and "batch/<n>/Twin.ADR").
 bool BuildBatchGame(const std::string& dir, u32 copies, std::string* error);
 
-}  // namespace testsupport
+}  // namespace gamewriters

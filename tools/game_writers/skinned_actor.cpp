@@ -1,14 +1,14 @@
-#include "support/skinned_actor.h"
+#include "game_writers/skinned_actor.h"
 
 #include <algorithm>
 #include <cmath>
 #include <cstring>
 
 #include "core/hash.h"
-#include "support/model_writer.h"
-#include "support/xml_writer.h"
+#include "game_writers/model_writer.h"
+#include "game_writers/xml_writer.h"
 
-namespace testsupport {
+namespace gamewriters {
 
 namespace {
 
@@ -181,4 +181,4 @@ RigNetworkLayout NetworkWithSets(std::vector<RigNetworkLayout::Rig> rigs,
   return layout;
 }
 
-}  // namespace testsupport
+}  // namespace gamewriters

@@ -5,9 +5,9 @@
 #include <utility>
 #include <vector>
 
-#include "support/rig_writer.h"
+#include "game_writers/rig_writer.h"
 
-namespace testsupport {
+namespace gamewriters {
 
 // A whole skinned actor for export tests and benchmarks: a catalogue with the definition
 // "SkinnedMaterial" (draw style "normal", flag Skinned), a model of `meshCount` grids of
@@ -53,4 +53,4 @@ GridVertex SkinnedActorVertex(const SkinnedActorDesc& desc, u32 mesh, u32 vertex
 RigNetworkLayout NetworkWithSets(std::vector<RigNetworkLayout::Rig> rigs,
                                  const std::vector<std::pair<std::string, u32>>& sets);
 
-}  // namespace testsupport
+}  // namespace gamewriters

@@ -1,9 +1,9 @@
-#include "support/xml_writer.h"
+#include "game_writers/xml_writer.h"
 
 #include <initializer_list>
 #include <utility>
 
-namespace testsupport {
+namespace gamewriters {
 
 namespace {
 
@@ -101,4 +101,4 @@ std::string BuildActor(const ActorXml& actor) {
   return out + "</" + actor.rootName + ">\n";
 }
 
-}  // namespace testsupport
+}  // namespace gamewriters

@@ -1,4 +1,4 @@
-#include "support/sample_game.h"
+#include "game_writers/sample_game.h"
 
 #include <algorithm>
 #include <array>
@@ -10,15 +10,15 @@
 #include <vector>
 
 #include "core/hash.h"
-#include "support/image_writer.h"
-#include "support/model_writer.h"
-#include "support/pack_writer.h"
-#include "support/rig_writer.h"
-#include "support/skinned_actor.h"
-#include "support/temp_dir.h"
-#include "support/xml_writer.h"
+#include "game_writers/image_writer.h"
+#include "game_writers/model_writer.h"
+#include "game_writers/pack_writer.h"
+#include "game_writers/rig_writer.h"
+#include "game_writers/skinned_actor.h"
+#include "game_writers/file_bytes.h"
+#include "game_writers/xml_writer.h"
 
-namespace testsupport {
+namespace gamewriters {
 
 namespace {
 
@@ -522,4 +522,4 @@ bool BuildBatchGame(const std::string& dir, u32 copies, std::string* error) {
   return Write(SampleGameLayout(dir).assets + "/" + PackFileName(3), BuildPack(PackLayout{{chunk}}), error);
 }
 
-}  // namespace testsupport
+}  // namespace gamewriters

@@ -3,9 +3,9 @@
 #include <string>
 
 #include "core/types.h"
-#include "support/skinned_actor.h"
+#include "game_writers/skinned_actor.h"
 
-namespace testsupport {
+namespace gamewriters {
 
 // A game of the size the benchmarks measure: `entries` pack entries over `packs` packs, of which
 // `actors` small actor definitions (one or two meshes of a few dozen vertices, skinned to one of
@@ -29,4 +29,4 @@ SkinnedActorDesc LargeModel(const StressGameDesc& desc);
 // Where it goes below `dir`: the installation in "game", the per-user folder in "data".
 bool BuildStressGame(const std::string& dir, const StressGameDesc& desc, std::string* error);
 
-}  // namespace testsupport
+}  // namespace gamewriters

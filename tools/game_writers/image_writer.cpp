@@ -1,8 +1,8 @@
-#include "support/image_writer.h"
+#include "game_writers/image_writer.h"
 
 #include <zlib.h>
 
-namespace testsupport {
+namespace gamewriters {
 
 namespace {
 
@@ -97,4 +97,4 @@ std::string BuildDds(u32 width, u32 height, const std::vector<u8>& rgba) {
                             Bgra(Padded(width, height, rgba)));
 }
 
-}  // namespace testsupport
+}  // namespace gamewriters
