@@ -47,15 +47,15 @@ bool ReadAlias(IXMLData* item, TintAlias& alias) {
 // Aliases of one aliasName gather under one group, which keeps the spelling and place of its first
 // appearance. An alias missing a required attribute is skipped; only refused memory fails.
 template <class Alias>
-bool ReadAliases(IXMLData* element, TOwnedList<AliasGroup<Alias>>& groups) {
+bool ReadAliases(IXMLData* element, TOwnedList<TAliasGroup<Alias>>& groups) {
   for (IXMLData* item = element->FindChild("Alias", nullptr); item; item = element->FindChild("Alias", item)) {
     const char* groupName = AttributeText(item, "aliasName");
     Alias read;
     if (!groupName || !ReadAlias(item, read)) continue;
-    AliasGroup<Alias>* group = groups.first;
+    TAliasGroup<Alias>* group = groups.first;
     while (group && !SameText(group->name.Text(), groupName)) group = group->next;
     if (!group) {
-      group = MemNew<AliasGroup<Alias>>();
+      group = MemNew<TAliasGroup<Alias>>();
       if (!group) return false;
       groups.Append(group);
       if (!group->name.Assign(groupName)) return false;

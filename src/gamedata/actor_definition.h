@@ -50,10 +50,10 @@ struct TintAlias {
 
 // Aliases filed under one aliasName, in file order.
 template <class Alias>
-struct AliasGroup {
+struct TAliasGroup {
   CStringA name;
   TOwnedList<Alias> aliases;
-  AliasGroup* next = nullptr;
+  TAliasGroup* next = nullptr;
 };
 
 // What an actor (.adr) is made of: its model, an optional palette replacing the model's own
@@ -64,8 +64,8 @@ struct ActorDefinition {
   CStringA animationNetworkName;  // a .mrn path; its base name selects the rig network
   CStringA animSetName;
   CStringA boneAttachmentName;
-  TOwnedList<AliasGroup<TextureAlias>> textureAliases;
-  TOwnedList<AliasGroup<TintAlias>> tintAliases;
+  TOwnedList<TAliasGroup<TextureAlias>> textureAliases;
+  TOwnedList<TAliasGroup<TintAlias>> tintAliases;
   bool borrowSkeleton = false;  // without network or set, look for any rig that fits the model
   bool invisible = false;
 };
