@@ -1,5 +1,6 @@
 """One written actor file into the scene, through Blender's own importer, in a collection of its own."""
 import os
+import warnings
 
 import bpy
 
@@ -18,7 +19,11 @@ def collection_name(actor):
 def _allow_numpy_bool():
     # Debian 12 pairs Blender 3.4 with numpy 1.24, which dropped the alias its glTF importer still uses.
     import numpy
-    if not hasattr(numpy, "bool"):
+    with warnings.catch_warnings():
+        # Asking numpy 1.24 for the alias warns that it will mean numpy's own type some day.
+        warnings.simplefilter("ignore", FutureWarning)
+        missing = not hasattr(numpy, "bool")
+    if missing:
         numpy.bool = bool
 
 
