@@ -3,7 +3,7 @@ search text matches shown. Checked rows stay checked while the search hides them
 import array
 
 import bpy
-from bpy.props import BoolProperty, StringProperty
+from bpy.props import BoolProperty
 
 
 class TARNWICK_PG_actor_row(bpy.types.PropertyGroup):

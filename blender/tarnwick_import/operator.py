@@ -215,11 +215,14 @@ class TARNWICK_OT_import_actor(bpy.types.Operator):
     # -- The import
 
     def defaults_from_preferences(self, context):
-        # A script that leaves a folder out gets the one the dialog last used.
+        # A script that says nothing of where the games are gets what the dialog last used, the game
+        # with its folders; given one folder, the rest stay empty as the CLI's defaults.
+        where = ("data_dir", "prefixes", "game_dir")
+        if self.from_dialog or any(self.properties.is_property_set(prop) for prop in where):
+            return
         prefs = preferences.get(context)
-        for prop in ("data_dir", "prefixes", "game_dir", "game"):
-            if not self.properties.is_property_set(prop) and not self.from_dialog:
-                setattr(self, prop, getattr(prefs, prop))
+        for prop in where + (() if self.properties.is_property_set("game") else ("game",)):
+            setattr(self, prop, getattr(prefs, prop))
 
     def chosen_patterns(self):
         """The patterns to convert, and the names the result must be one of (None: any)."""

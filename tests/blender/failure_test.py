@@ -7,7 +7,7 @@ import sys
 import bpy
 
 sys.path.insert(0, os.path.dirname(__file__))
-from harness import cli_path, empty_scene, expect, finish, import_actors, reports, sample_data, scratch, work  # noqa: E402
+from harness import empty_scene, expect, finish, import_actors, reports, sample_data, scratch, work  # noqa: E402
 
 nowhere = os.path.join(work, "nowhere")
 empty = os.path.join(work, "empty")

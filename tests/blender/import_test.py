@@ -50,7 +50,11 @@ cases = [
      'FBX', True, {"guard": ("actors\\guard.adr", 7), "wyrm": ("actors\\wyrm.adr", 5), "barrel": ("actors\\barrel.adr", 0)}),
     ("a wildcard pattern", "actors\\knight*", 'GLB', True, {"knight": KNIGHT, "knight_red": ("actors\\knight_red.adr", 7)}),
     ("textures off", "actors\\knight.adr", 'GLB', False, {"knight": KNIGHT}),
+    ("the folders of the preferences", "actors\\wolf.adr", 'GLB', True, {"wolf": WOLF}),
 ]
+# The dialog's last folders, which a script that gives none gets.
+prefs = bpy.context.preferences.addons["tarnwick_import"].preferences
+prefs.data_dir, prefs.game = sample_data, "Aldermoor"
 
 references = {}
 for name, actors, file_format, textures, expected in cases:
@@ -58,7 +62,8 @@ for name, actors, file_format, textures, expected in cases:
         if actor not in references:
             references[actor] = reference(actor)
     empty_scene()
-    result = import_actors(data_dir=sample_data, actors=actors, format=file_format, textures=textures)
+    where = {} if name == "the folders of the preferences" else {"data_dir": sample_data}
+    result = import_actors(actors=actors, format=file_format, textures=textures, **where)
     expect(result == {'FINISHED'}, f"{name}: {result}")
     expect(not bpy.context.scene.collection.objects, f"{name}: every object in an actor's collection")
     expect(sorted(c.name for c in bpy.context.scene.collection.children) == sorted(expected),
