@@ -2,6 +2,7 @@
 # actor, run by hand as:
 #   blender -b --factory-startup --python bench/blender_import_bench.py -- blender CLI MAKE_SAMPLE_GAME [FORMAT]
 import os
+import shutil
 import subprocess
 import sys
 import tempfile
@@ -15,7 +16,8 @@ sys.path.insert(0, addon_dir)
 import tarnwick_import  # noqa: E402
 
 os.environ["TARNWICK_CLI"] = cli_path
-game = os.path.join(tempfile.mkdtemp(prefix="tarnwick-bench-"), "stress")
+work = tempfile.mkdtemp(prefix="tarnwick-bench-")
+game = os.path.join(work, "stress")
 subprocess.run([make_sample_game, "--stress", game], check=True, stdout=subprocess.DEVNULL)
 
 bpy.ops.wm.read_factory_settings(use_empty=True)
@@ -28,3 +30,4 @@ objects = bpy.data.collections["giant_00"].all_objects
 print(f"BENCH {file_format} {result} {seconds:.3f} s: {sum(len(o.data.vertices) for o in objects if o.type == 'MESH')} "
       f"vertices, {sum(len(o.data.bones) for o in objects if o.type == 'ARMATURE')} bones, "
       f"{len([o for o in objects if o.type == 'MESH'])} meshes", flush=True)
+shutil.rmtree(work, ignore_errors=True)

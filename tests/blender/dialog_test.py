@@ -5,6 +5,7 @@
 # runs its import. A Python error while the dialog draws only prints its traceback, so the test also
 # fails on that text.
 import os
+import shutil
 import subprocess
 import sys
 import tempfile
@@ -13,7 +14,8 @@ import addon_utils
 import bpy
 
 addon_dir, cli_path, make_sample_game, out = sys.argv[sys.argv.index("--") + 1:]
-sample = os.path.join(tempfile.mkdtemp(prefix="tarnwick-dialog-"), "sample")
+work = tempfile.mkdtemp(prefix="tarnwick-dialog-")
+sample = os.path.join(work, "sample")
 subprocess.run([make_sample_game, sample], check=True, stdout=subprocess.DEVNULL)
 os.makedirs(os.path.dirname(os.path.abspath(out)), exist_ok=True)
 sys.path.insert(0, addon_dir)
@@ -81,6 +83,7 @@ def shoot_and_work_it():
     prefs = bpy.context.preferences.addons["tarnwick_import"].preferences
     expect((prefs.data_dir, prefs.game) == (os.path.join(sample, "data"), "Aldermoor"),
            f"the dialog's choices remembered: {prefs.data_dir}, {prefs.game}")
+    shutil.rmtree(work, ignore_errors=True)
     print(f"{len(failures)} failed", flush=True)
     os._exit(1 if failures else 0)
 

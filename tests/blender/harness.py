@@ -3,6 +3,7 @@
 # and exits 1 after listing every failed expectation.
 import ctypes
 import os
+import shutil
 import subprocess
 import sys
 import tempfile
@@ -65,5 +66,6 @@ def import_actors(**options):
 
 
 def finish():
+    shutil.rmtree(work, ignore_errors=True)
     print(f"{len(failures)} failed", flush=True)
     sys.exit(1 if failures else 0)
