@@ -7,7 +7,7 @@ import sys
 import bpy
 
 sys.path.insert(0, os.path.dirname(__file__))
-from harness import empty_scene, expect, finish, import_actors, reports, sample_data, scratch, work  # noqa: E402
+from harness import cli_path, empty_scene, expect, finish, import_actors, reports, sample_data, scratch, work  # noqa: E402
 
 nowhere = os.path.join(work, "nowhere")
 empty = os.path.join(work, "empty")
@@ -19,6 +19,11 @@ cases = [
     ("no program at the path given", {"TARNWICK_CLI": os.path.join(nowhere, "tarnwick-cli")},
      dict(data_dir=sample_data, actors="actors\\knight.adr"),
      f"Error: tarnwick-cli not found at {nowhere}/tarnwick-cli (set in $TARNWICK_CLI)\n", [], []),
+    ("no program on PATH", {"TARNWICK_CLI": None, "PATH": empty}, dict(data_dir=sample_data, actors="actors\\knight.adr"),
+     "Error: tarnwick-cli not found on PATH: install Tarnwick, or set the program's path in the preferences of "
+     "the Tarnwick import add-on\n", [], []),
+    ("the program on PATH", {"TARNWICK_CLI": None, "PATH": os.path.dirname(cli_path)},
+     dict(data_dir=sample_data, actors="actors\\knight.adr"), {'FINISHED'}, ["knight"], []),
     # Discovery also looks in ~/.wine and Steam's folders: home is an empty folder here.
     ("no game in an empty per-user folder", {"HOME": empty, "WINEPREFIX": None, "XDG_DATA_HOME": None},
      dict(data_dir=empty, actors="*"), "Error: tarnwick-cli: no installed game was found\n", [], []),
