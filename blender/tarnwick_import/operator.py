@@ -51,6 +51,7 @@ def load_games(props):
         found = [] if props.game_dir else cli.games(program, _source(props, with_game=False))
     except cli.CliError as error:
         _game_items = []
+        _choose_quietly(props, _NO_GAME)
         props.message = error.message
         return
     if props.game_dir:
@@ -59,6 +60,7 @@ def load_games(props):
         _choose_quietly(props, _FOLDER_GAME)
     elif not found:
         _game_items = []
+        _choose_quietly(props, _NO_GAME)
         props.message = "No installed game was found: choose a game folder below"
         return
     else:
