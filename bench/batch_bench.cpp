@@ -36,8 +36,8 @@ void BM_BatchConvertGame(benchmark::State& state) {
     settings.outDir = out.Join(std::to_string(state.range(0)));
     settings.jobs = u32(state.range(0));
     settings.convert.batch = true;
-    const BatchSummary summary = RunBatch(GameTables{app.packIndex, app.materials, app.rigs}, actors, settings,
-                                          nullptr, stop, results);
+    const BatchSummary summary =
+        RunBatch(GameTables{app.packIndex, app.materials, app.rigs}, actors, settings, nullptr, stop, results);
     if (summary.written != actors.size()) state.SkipWithError("not every actor was written");
   }
   rusage usage{};

@@ -3,8 +3,8 @@
 #include <cstring>
 #include <string>
 
-#include "gamedata/material_definitions.h"
 #include "game_writers/xml_writer.h"
+#include "gamedata/material_definitions.h"
 
 namespace {
 
@@ -14,15 +14,18 @@ std::string LargeCatalogue() {
   gamewriters::CatalogueXml catalogue;
   for (int i = 0; i < 200; ++i) {
     gamewriters::InputLayoutXml layout{"Layout" + std::to_string(i), {}};
-    for (const char* usage : {"Position", "Normal", "Tangent", "Binormal", "Texcoord", "Texcoord", "BlendIndices", "BlendWeight"}) {
+    for (const char* usage :
+         {"Position", "Normal", "Tangent", "Binormal", "Texcoord", "Texcoord", "BlendIndices", "BlendWeight"}) {
       layout.entries.push_back({"Float16_4", usage, std::to_string(i % 2)});
     }
     catalogue.layouts.push_back(layout);
   }
   for (int i = 0; i < 2000; ++i) {
     std::vector<gamewriters::DrawStyleXml> styles;
-    for (const char* style : {"normal", "shadow", "depth"}) styles.push_back({style, "Layout" + std::to_string((i + 7) % 200)});
-    catalogue.definitions.push_back({"Material" + std::to_string(i), "Opaque", styles, std::vector<std::string>{"Skinned", "ArtistSelectable"}});
+    for (const char* style : {"normal", "shadow", "depth"})
+      styles.push_back({style, "Layout" + std::to_string((i + 7) % 200)});
+    catalogue.definitions.push_back(
+        {"Material" + std::to_string(i), "Opaque", styles, std::vector<std::string>{"Skinned", "ArtistSelectable"}});
   }
   return gamewriters::BuildCatalogue(catalogue);
 }

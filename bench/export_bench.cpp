@@ -9,11 +9,11 @@
 #include "fbx/sdk/fbx_binary_writer.h"
 #include "fbx/sdk/fbx_document.h"
 #include "fbx/sdk/fbx_scene_writer.h"
+#include "game_writers/skinned_actor.h"
+#include "game_writers/stress_game.h"
 #include "gltf/gltf_scene.h"
 #include "mesh/export_mesh.h"
 #include "platform/output_file.h"
-#include "game_writers/skinned_actor.h"
-#include "game_writers/stress_game.h"
 #include "support/temp_dir.h"
 
 namespace {

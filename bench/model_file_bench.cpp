@@ -3,8 +3,8 @@
 #include <cstring>
 #include <string>
 
-#include "gamedata/model_file.h"
 #include "game_writers/model_writer.h"
+#include "gamedata/model_file.h"
 
 namespace {
 
@@ -20,9 +20,10 @@ std::string LargeModel() {
   desc.meshes.push_back(gamewriters::PatternMesh(kVertices, {32, 24}, 2, kIndices));
   desc.meshes[0].drawCallCount = kDrawCalls;
   for (u32 i = 0; i < kDrawCalls; ++i) {
-    desc.drawCalls.push_back({.firstBoneMapEntry = i * 10, .boneMapEntryCount = 10, .firstVertex = i * 5000,
-                              .vertexCount = 5000});
-    for (u32 slot = 0; slot < 10; ++slot) desc.boneMap.push_back({.bone = u16((i * 7 + slot) % kBones), .slot = u16(slot)});
+    desc.drawCalls.push_back(
+        {.firstBoneMapEntry = i * 10, .boneMapEntryCount = 10, .firstVertex = i * 5000, .vertexCount = 5000});
+    for (u32 slot = 0; slot < 10; ++slot)
+      desc.boneMap.push_back({.bone = u16((i * 7 + slot) % kBones), .slot = u16(slot)});
   }
   desc.bones.resize(kBones);
   for (u32 b = 0; b < kBones; ++b) desc.bones[b].nameHash = b * 2654435761u;

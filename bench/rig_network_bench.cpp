@@ -2,8 +2,8 @@
 
 #include <cstring>
 
-#include "gamedata/rig_network.h"
 #include "game_writers/rig_writer.h"
+#include "gamedata/rig_network.h"
 
 namespace {
 
@@ -15,8 +15,10 @@ CByteBuffer RigFile() {
   gamewriters::RigLayout rig;
   for (u32 i = 0; i < kBones; ++i) {
     const f32 f = f32(i);
-    rig.bones.push_back({.name = "skeleton_bone_" + std::to_string(i), .parent = i % 10 ? i32(i) - 1 : i32(i / 10) - 1,
-                         .translation = {f, 1, 2, 1}, .rotation = {0, 0, f / kBones, 1}});
+    rig.bones.push_back({.name = "skeleton_bone_" + std::to_string(i),
+                         .parent = i % 10 ? i32(i) - 1 : i32(i / 10) - 1,
+                         .translation = {f, 1, 2, 1},
+                         .rotation = {0, 0, f / kBones, 1}});
   }
   gamewriters::NetworkLayout network;
   std::vector<u32> rigIds(kSets, 11);

@@ -7,8 +7,8 @@
 #include "game_writers/image_writer.h"
 #include "game_writers/pack_writer.h"
 #include "game_writers/skinned_actor.h"
-#include "support/temp_dir.h"
 #include "game_writers/xml_writer.h"
+#include "support/temp_dir.h"
 
 namespace {
 
@@ -40,7 +40,8 @@ struct TexturedGame {
     std::vector<std::string> names;
     for (u32 a = 0; a < actorCount; ++a) {
       gamewriters::SkinnedActorDesc desc{.meshCount = meshCount, .gridSize = grid, .boneCount = 4};
-      for (u32 m = 0; m < meshCount; ++m) desc.textures.push_back({{"baseDiffuse", "tex\\t" + std::to_string((a * meshCount + m) % textures) + ".dds"}});
+      for (u32 m = 0; m < meshCount; ++m)
+        desc.textures.push_back({{"baseDiffuse", "tex\\t" + std::to_string((a * meshCount + m) % textures) + ".dds"}});
       const gamewriters::SkinnedActor actor = gamewriters::BuildSkinnedActor(desc);
       if (a == 0) files.push_back({"materials_3.xml", actor.catalogue});
       const std::string model = "models\\m" + std::to_string(a) + ".dmod";
@@ -48,7 +49,8 @@ struct TexturedGame {
       files.push_back({model, actor.model});
       files.push_back({names.back(), gamewriters::BuildActor({.fileName = model})});
     }
-    (void)gamewriters::WriteFileBytes(dir.Join("assets_000.pack"), gamewriters::BuildPack({{gamewriters::PackChunk{files}}}));
+    (void)gamewriters::WriteFileBytes(dir.Join("assets_000.pack"),
+                                      gamewriters::BuildPack({{gamewriters::PackChunk{files}}}));
     CByteBuffer catalogue;
     ok = packs.Open(dir.Path().c_str()) && packs.FetchByName("materials_3.xml", catalogue) && materials.Read(catalogue);
     const std::vector<std::string> outputs = OutputNames(names, ".fbx");
@@ -69,8 +71,8 @@ void RunTextured(benchmark::State& state, TexturedGame& game, u32 jobs) {
     settings.outDir = game.dir.Join("out" + std::to_string(run++));
     settings.jobs = jobs;
     settings.convert = {.batch = true, .textures = true, .textureStore = &store};
-    const BatchSummary summary = RunBatch(GameTables{game.packs, game.materials, game.rigs}, game.actors, settings,
-                                          nullptr, stop, results);
+    const BatchSummary summary =
+        RunBatch(GameTables{game.packs, game.materials, game.rigs}, game.actors, settings, nullptr, stop, results);
     if (summary.written != game.actors.size() || !results[0].notes.empty()) state.SkipWithError("not written whole");
   }
 }

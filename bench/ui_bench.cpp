@@ -6,8 +6,8 @@
 
 #include <QApplication>
 #include <QElapsedTimer>
-#include <QListView>
 #include <QEventLoop>
+#include <QListView>
 #include <QTimer>
 #include <cstdio>
 #include <functional>
@@ -17,8 +17,8 @@
 #include "game_writers/pack_writer.h"
 #include "game_writers/rig_writer.h"
 #include "game_writers/skinned_actor.h"
-#include "support/temp_dir.h"
 #include "game_writers/xml_writer.h"
+#include "support/temp_dir.h"
 #include "ui/main_window.h"
 #include "ui/render_control.h"
 
@@ -42,9 +42,9 @@ struct ListedGame {
     add({"models\\big.dmod", big.model});
     add({"big.mrn", gamewriters::BuildRigNetwork(gamewriters::NetworkWithSets({{1, big.rig}}, {{"Idle", 1}}))});
     add({"actors\\big.adr", gamewriters::BuildActor({.fileName = "models\\big.dmod",
-                                                      .hasAnimationNetwork = true,
-                                                      .networkFileName = "big.mrn",
-                                                      .animSetName = "Idle"})});
+                                                     .hasAnimationNetwork = true,
+                                                     .networkFileName = "big.mrn",
+                                                     .animSetName = "Idle"})});
     for (u32 i = 0; i < kActors; ++i) {
       char name[64];
       std::snprintf(name, sizeof(name), "actors\\group_%u\\actor_%06u.adr", (i * 7919) % 101, i);
@@ -123,7 +123,13 @@ void BM_DesktopFrame(benchmark::State& state) {
     if (loaded.window.Render().RenderFrame().isNull()) state.SkipWithError("nothing drawn");
   }
 }
-BENCHMARK(BM_DesktopFrame)->ArgName("views")->Arg(0)->Arg(1)->Unit(benchmark::kMillisecond)->UseRealTime()->Iterations(20);
+BENCHMARK(BM_DesktopFrame)
+    ->ArgName("views")
+    ->Arg(0)
+    ->Arg(1)
+    ->Unit(benchmark::kMillisecond)
+    ->UseRealTime()
+    ->Iterations(20);
 
 // Two seconds of an idle window with a model shown: the share of one core it takes.
 void BM_DesktopIdle(benchmark::State& state) {
@@ -143,7 +149,13 @@ void BM_DesktopIdle(benchmark::State& state) {
   }
   state.counters["core_percent"] = share * 100.0;
 }
-BENCHMARK(BM_DesktopIdle)->ArgName("views")->Arg(0)->Arg(1)->Unit(benchmark::kMillisecond)->UseRealTime()->Iterations(1);
+BENCHMARK(BM_DesktopIdle)
+    ->ArgName("views")
+    ->Arg(0)
+    ->Arg(1)
+    ->Unit(benchmark::kMillisecond)
+    ->UseRealTime()
+    ->Iterations(1);
 
 }  // namespace
 

@@ -1,5 +1,5 @@
-#include "seeds.h"
 #include "game_writers/image_writer.h"
+#include "seeds.h"
 
 using gamewriters::BuildDdsDx10;
 using gamewriters::BuildDdsWithFormat;
@@ -14,7 +14,8 @@ Seeds ImageSeeds() {
   seeds.push_back({"rgba.tga", gamewriters::BuildTga(5, 1, rgba)});
   seeds.push_back({"bgra.dds", gamewriters::BuildDds(5, 1, rgba)});
   seeds.push_back({"565.dds", BuildDdsWithFormat(3, 1, {kRgb, 0, 16, {0xF800, 0x07E0, 0x001F, 0}}, "abcdef")});
-  seeds.push_back({"l8a8.dds", BuildDdsWithFormat(2, 1, {kLuminance | kAlphaPixels, 0, 16, {0xFF, 0, 0, 0xFF00}}, "abcd")});
+  seeds.push_back(
+      {"l8a8.dds", BuildDdsWithFormat(2, 1, {kLuminance | kAlphaPixels, 0, 16, {0xFF, 0, 0, 0xFF00}}, "abcd")});
   for (const char* code : {"DXT1", "DXT3", "DXT5", "ATI1", "ATI2"}) {
     seeds.push_back({std::string(code) + ".dds", BuildDdsWithFormat(5, 3, {kFourCC, DdsFourCC(code), 0, {}}, blocks)});
   }

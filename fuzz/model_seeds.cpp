@@ -1,5 +1,5 @@
-#include "seeds.h"
 #include "game_writers/model_writer.h"
+#include "seeds.h"
 
 using gamewriters::BuildModel;
 using gamewriters::BuildPalette;

@@ -1,5 +1,5 @@
-#include "seeds.h"
 #include "game_writers/pack_writer.h"
+#include "seeds.h"
 
 using gamewriters::BuildPack;
 using gamewriters::PackLayout;

@@ -1,12 +1,12 @@
-#include "seeds.h"
 #include "game_writers/rig_writer.h"
+#include "seeds.h"
 
 using gamewriters::BuildRigFile;
 using gamewriters::BuildRigNetwork;
 using gamewriters::LookupLayout;
 using gamewriters::NetworkLayout;
-using gamewriters::RigNetworkLayout;
 using gamewriters::RigLayout;
+using gamewriters::RigNetworkLayout;
 
 namespace {
 
@@ -40,18 +40,19 @@ NetworkLayout Network(bool fallback) {
 Seeds RigNetworkSeeds() {
   Seeds seeds;
   RigNetworkLayout full{.rigs = {{.id = 1, .rig = Rig(4, false)}, {.id = 2, .rig = Rig(3, true)}},
-                      .animSets = {{"idle", "run"}},
-                      .network = Network(false)};
+                        .animSets = {{"idle", "run"}},
+                        .network = Network(false)};
   seeds.push_back({"full", BuildRigNetwork(full)});
   full.network = Network(true);
   seeds.push_back({"fallback_lookup", BuildRigNetwork(full)});
   full.alignment = 0;
   full.animSets.reset();
   seeds.push_back({"unaligned_no_sets", BuildRigNetwork(full)});
-  seeds.push_back({"other_chunks", BuildRigFile({{.type = 99, .data = "abcde"},
-                                                 {.type = 3, .data = "xyz"},
-                                                 {.type = 13, .data = "held"},
-                                                 {.type = 1, .id = 7, .data = gamewriters::BuildRigChunkData(Rig(1, false))},
-                                                 {.type = 15, .dataSize = 64}})});
+  seeds.push_back(
+      {"other_chunks", BuildRigFile({{.type = 99, .data = "abcde"},
+                                     {.type = 3, .data = "xyz"},
+                                     {.type = 13, .data = "held"},
+                                     {.type = 1, .id = 7, .data = gamewriters::BuildRigChunkData(Rig(1, false))},
+                                     {.type = 15, .dataSize = 64}})});
   return seeds;
 }

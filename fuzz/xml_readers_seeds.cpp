@@ -1,13 +1,16 @@
-#include "seeds.h"
 #include "game_writers/xml_writer.h"
+#include "seeds.h"
 
 using namespace gamewriters;
 
 Seeds CatalogueSeeds() {
   CatalogueXml catalogue;
-  catalogue.layouts.push_back({"Skinned", {{"Float3", "Position"}, {"Udec3", "Normal"}, {"Float2", "Texcoord", "1", "0"}}});
-  catalogue.definitions.push_back(
-      {"Skin", {}, std::vector<DrawStyleXml>{{"normal", "Skinned"}, {"x", "Missing"}}, std::vector<std::string>{"Skinned"}});
+  catalogue.layouts.push_back(
+      {"Skinned", {{"Float3", "Position"}, {"Udec3", "Normal"}, {"Float2", "Texcoord", "1", "0"}}});
+  catalogue.definitions.push_back({"Skin",
+                                   {},
+                                   std::vector<DrawStyleXml>{{"normal", "Skinned"}, {"x", "Missing"}},
+                                   std::vector<std::string>{"Skinned"}});
   return {{"catalogue", BuildCatalogue(catalogue)}};
 }
 

@@ -27,8 +27,8 @@ std::string TextureNote(TextureResult result, const std::string& name);
 // `state`, by absolute path and by the path relative to the output's folder. A texture that is
 // missing, can't be decoded or written is left out with a note; the rest goes on. False when
 // memory ran out, with the files written so far in `result`.
-[[nodiscard]] bool ExportActorTextures(ConvertState& state, const ExportScene& scene, const PackIndex& packs, const char* outputPath,
-                         TextureStore& store, ActorTextures& result);
+[[nodiscard]] bool ExportActorTextures(ConvertState& state, const ExportScene& scene, const PackIndex& packs,
+                                       const char* outputPath, TextureStore& store, ActorTextures& result);
 
 // Removes the files of `textures` and the folders they made, where empty.
 void RemoveActorTextures(const ActorTextures& textures);

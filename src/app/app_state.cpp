@@ -1,8 +1,8 @@
 #include "app/app_state.h"
 
 const char* const kGameNames[kGameCount] = {
-    "Aldermoor",        "Aldermoor Test",          "Brackenfell Beta",  "Cinderhollow Brackenfell",
-    "Dunmarrow",        "Dunmarrow Test",          "Dunmarrow-Ashgate", "Dunmarrow-Ashgate Test",
+    "Aldermoor", "Aldermoor Test", "Brackenfell Beta",  "Cinderhollow Brackenfell",
+    "Dunmarrow", "Dunmarrow Test", "Dunmarrow-Ashgate", "Dunmarrow-Ashgate Test",
 };
 
 AppState::AppState() {

@@ -33,10 +33,10 @@ struct AppState {
   AppState(const AppState&) = delete;
   AppState& operator=(const AppState&) = delete;
 
-  IWindowSystem* window = nullptr;  // the main window's controls; null until the dialog exists
+  IWindowSystem* window = nullptr;        // the main window's controls; null until the dialog exists
   IRenderWindow* renderWindow = nullptr;  // the preview, owned by the window; null without one
-  TStringBufferA<512> lineBuffer;   // one log line at a time, under logLock
-  CStringBufferA userFolder;  // the native per-user folder, normalised
+  TStringBufferA<512> lineBuffer;         // one log line at a time, under logLock
+  CStringBufferA userFolder;              // the native per-user folder, normalised
   CStringBufferA olderMakerFolder;
   CStringBufferA newerMakerFolder;
   CSpinLock logLock;

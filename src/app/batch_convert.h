@@ -21,7 +21,7 @@ enum class BatchState { kNotStarted, kWritten, kFailed, kSkipped };
 struct BatchActorResult {
   BatchState state = BatchState::kNotStarted;
   ConvertResult result = ConvertResult::kCancelled;
-  std::string line;  // the failure's log line, or the reason for a skip
+  std::string line;                // the failure's log line, or the reason for a skip
   std::vector<std::string> notes;  // what a written file had to leave out (textures)
 };
 
@@ -31,9 +31,9 @@ std::vector<BatchActor> BatchOf(const std::vector<ListedActor>& actors);
 void NameOutputs(std::vector<BatchActor>& actors, const char* extension);
 
 struct BatchSettings {
-  std::string outDir;  // the folder the outputs go below; made as needed
-  u32 jobs = 1;        // conversions at once
-  std::string rig;     // the animation set that answers every rig question; empty: none does
+  std::string outDir;        // the folder the outputs go below; made as needed
+  u32 jobs = 1;              // conversions at once
+  std::string rig;           // the animation set that answers every rig question; empty: none does
   std::string rigHint = {};  // how to choose, in the front end's words: ends the reason of a skip
   ConvertOptions convert;
 };

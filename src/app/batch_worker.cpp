@@ -56,8 +56,8 @@ void ConvertBatch(AppState& app, const std::vector<BatchActor>& actors, const st
   settings.rigHint = "convert it alone to choose";
   WindowProgress progress(app, u32(actors.size()));
   std::vector<BatchActorResult> results;
-  const BatchSummary summary = RunBatch(GameTables{app.packIndex, app.materials, app.rigs}, actors, settings,
-                                        &progress, app.batchStop, results);
+  const BatchSummary summary =
+      RunBatch(GameTables{app.packIndex, app.materials, app.rigs}, actors, settings, &progress, app.batchStop, results);
   TStringBufferA<1024> shown;
   DisplayPath(outDir.c_str(), shown);
   Log(app, "%s %u of %zu actors to %s: %u written, %u failed, %u skipped.",

@@ -9,7 +9,8 @@ void Convert(AppState& app, ISaveDialog& save, IRigDialog& rigDialog, const Conv
   TStringBufferA<260> actorName;
   if (!GetSelectedName(app, actorName)) return;
   ConvertOutcome outcome;
-  ConvertActor(GameTables{app.packIndex, app.materials, app.rigs}, *entry, actorName.Text(), {save, rigDialog}, outcome, options);
+  ConvertActor(GameTables{app.packIndex, app.materials, app.rigs}, *entry, actorName.Text(), {save, rigDialog}, outcome,
+               options);
   LogOutcome(app, outcome);
 }
 

@@ -26,14 +26,12 @@ void Fail(ConvertOutcome& outcome, ConvertResult result, const char* format, con
 
 void FailBuild(ConvertOutcome& outcome, SceneBuildResult result) {
   switch (result) {
-    case SceneBuildResult::kBuilt:
-      return;
+    case SceneBuildResult::kBuilt: return;
     case SceneBuildResult::kSetupFailed:
       return Fail(outcome, ConvertResult::kSetupFailed, "Failed to initialize convert state.\n");
     case SceneBuildResult::kRigFailed:
       return Fail(outcome, ConvertResult::kRigFailed, "Failed to initialize rig state.\n");
-    case SceneBuildResult::kMeshFailed:
-      return Fail(outcome, ConvertResult::kMeshFailed, "Failed to convert mesh.\n");
+    case SceneBuildResult::kMeshFailed: return Fail(outcome, ConvertResult::kMeshFailed, "Failed to convert mesh.\n");
   }
 }
 
@@ -149,8 +147,7 @@ void ConvertActor(const GameTables& game, const PackEntry& entry, const char* ac
   }
   ActorFiles files;
   switch (ReadActorFiles(files, actorBytes, game.packs, modelBytes, paletteBytes)) {
-    case ActorFilesFailure::kNone:
-      break;
+    case ActorFilesFailure::kNone: break;
     case ActorFilesFailure::kParseActor:
       return Fail(outcome, ConvertResult::kParseActorFailed, "Error parsing \"%s\".", actorName);
     case ActorFilesFailure::kParseModel:

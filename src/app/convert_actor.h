@@ -38,7 +38,7 @@ enum class ConvertResult {
 // A conversion's result and, for a failure, the one line it gives the log.
 struct ConvertOutcome {
   ConvertResult result = ConvertResult::kCancelled;
-  TStringBufferA<320> logLine;  // empty when written or cancelled
+  TStringBufferA<320> logLine;     // empty when written or cancelled
   std::vector<std::string> notes;  // lines of a written file for what it had to leave out
 
   bool Written() const { return result == ConvertResult::kWritten; }
@@ -53,7 +53,7 @@ struct ConvertQuestions {
 // The file a conversion writes.
 enum class ExportFormat : u8 {
   kFbx,
-  kGlb,  // glTF 2.0 in one binary file
+  kGlb,          // glTF 2.0 in one binary file
   kByExtension,  // a path ending in ".glb" (in any case) is glTF binary, any other FBX
 };
 
@@ -91,5 +91,5 @@ void ExportActor(const GameTables& game, const char* actorName, const ActorDefin
 // cancelled when the rig question stops the conversion. For callers that write the scene their own
 // way.
 [[nodiscard]] bool BuildActorScene(ExportScene& scene, const GameTables& game, const char* actorName,
-                                   const ActorDefinition& actor, const ModelFile& model, const ModelMaterials& materials,
-                                   IRigDialog& rigDialog, ConvertOutcome& outcome);
+                                   const ActorDefinition& actor, const ModelFile& model,
+                                   const ModelMaterials& materials, IRigDialog& rigDialog, ConvertOutcome& outcome);

@@ -41,13 +41,12 @@ std::shared_ptr<TextureStore::Entry> TextureStore::Find(const std::string& name,
   return slot;
 }
 
-TextureResult TextureStore::Make(const PackIndex& packs, const std::string& name, AlphaForm form,
-                                 TexturePng& texture) {
+TextureResult TextureStore::Make(const PackIndex& packs, const std::string& name, AlphaForm form, TexturePng& texture) {
   CByteBuffer bytes;
   if (!packs.FetchByName(name.c_str(), bytes)) return TextureResult::kMissing;
   ++decoded;
   return MakeTexturePng(bytes.Data(), bytes.Size(), form, texture) ? TextureResult::kWritten
-                                                                    : TextureResult::kUndecodable;
+                                                                   : TextureResult::kUndecodable;
 }
 
 void TextureStore::Hold(Entry& entry, SharedTexturePng texture) {
@@ -69,7 +68,8 @@ TextureResult TextureStore::Write(const PackIndex& packs, const std::string& nam
     return WriteBoth(*entry->texture, path, alphaPath, flush) ? TextureResult::kWritten : TextureResult::kUnwritable;
   }
   if (entry->done && entry->result == TextureResult::kWritten && !entry->file.empty() &&
-      CopyFile(entry->file, path, flush) && (entry->alphaFile.empty() || CopyFile(entry->alphaFile, alphaPath, flush))) {
+      CopyFile(entry->file, path, flush) &&
+      (entry->alphaFile.empty() || CopyFile(entry->alphaFile, alphaPath, flush))) {
     wroteAlpha = !entry->alphaFile.empty();
     return TextureResult::kWritten;
   }

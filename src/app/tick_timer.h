@@ -20,9 +20,7 @@ class TickTimer {
     return tick;
   }
   // Milliseconds until the next pass would tick, for a loop that sleeps between passes.
-  u32 WaitMilliseconds() const {
-    return accumulator >= kInterval ? 0 : u32((kInterval - accumulator) * 1000.0f) + 1;
-  }
+  u32 WaitMilliseconds() const { return accumulator >= kInterval ? 0 : u32((kInterval - accumulator) * 1000.0f) + 1; }
 
  private:
   u32 last;

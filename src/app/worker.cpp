@@ -6,8 +6,8 @@
 
 namespace {
 
-constexpr i32 kFrameControls[] = {kFileList,     kRenderControl, kSearchEdit, kGameCombo,       kConvertButton,
-                                  kSearchButton, kGameButton,    kOpenFolderButton};
+constexpr i32 kFrameControls[] = {kFileList,      kRenderControl, kSearchEdit, kGameCombo,
+                                  kConvertButton, kSearchButton,  kGameButton, kOpenFolderButton};
 constexpr u32 kMarqueeStepMilliseconds = 30;
 
 struct Task {

@@ -56,8 +56,8 @@ void BatchProgress::ActorDone(const BatchActor& actor, const BatchActorResult& r
   drawn = true;
   const double elapsed = ElapsedSeconds();
   const double left = done ? elapsed / done * (total - done) : 0;
-  std::fprintf(stream, "\r\033[K%u/%u converted, %u failed, %u skipped, %s elapsed, %s left", done, total,
-               sofar.failed, sofar.skipped, Clock(elapsed).c_str(), Clock(left).c_str());
+  std::fprintf(stream, "\r\033[K%u/%u converted, %u failed, %u skipped, %s elapsed, %s left", done, total, sofar.failed,
+               sofar.skipped, Clock(elapsed).c_str(), Clock(left).c_str());
   std::fflush(stream);
 }
 

@@ -1,7 +1,7 @@
 #include "cli/cli_session.h"
 
-#include <cstdio>
 #include <strings.h>
+#include <cstdio>
 
 #include "app/game_selection.h"
 #include "app/worker.h"

@@ -10,18 +10,18 @@
 // What every command shares: the options, and the application bound to a headless window whose
 // log lines go to standard error.
 struct CliOptions {
-  std::string game;      // --game: a known game's name; empty for the first one found
-  std::string dataDir;   // --data-dir: the per-user folder; empty for the platform's
-  std::string gameDir;   // --game-dir: an installation folder; skips discovery
-  std::vector<std::string> prefixes;  // --prefix: Wine prefixes to look in before the usual ones
-  std::string output;    // convert -o
-  std::string rig;       // convert --rig: the animation set of the rig to take
-  std::string argument;  // the pattern of list, the actor of convert: the first of `arguments`
+  std::string game;                    // --game: a known game's name; empty for the first one found
+  std::string dataDir;                 // --data-dir: the per-user folder; empty for the platform's
+  std::string gameDir;                 // --game-dir: an installation folder; skips discovery
+  std::vector<std::string> prefixes;   // --prefix: Wine prefixes to look in before the usual ones
+  std::string output;                  // convert -o
+  std::string rig;                     // convert --rig: the animation set of the rig to take
+  std::string argument;                // the pattern of list, the actor of convert: the first of `arguments`
   std::vector<std::string> arguments;  // every word after the command
-  std::string outDir;    // convert --out-dir: converts every actor that a pattern matches
-  u32 jobs = 0;          // convert --jobs: conversions at once; 0 for one per processor
-  bool textures = false;  // convert --textures: the textures as PNG files beside each file
-  std::string format;    // convert --format: "fbx" or "glb"; empty: by -o's extension, FBX for a batch
+  std::string outDir;                  // convert --out-dir: converts every actor that a pattern matches
+  u32 jobs = 0;                        // convert --jobs: conversions at once; 0 for one per processor
+  bool textures = false;               // convert --textures: the textures as PNG files beside each file
+  std::string format;                  // convert --format: "fbx" or "glb"; empty: by -o's extension, FBX for a batch
 };
 
 class CliSession {

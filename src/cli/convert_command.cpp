@@ -28,7 +28,8 @@ int RunConvert(const CliOptions& options) {
   const std::vector<ListedActor> actors = ListedActors(app);
   const ListedActor* actor = FindListedActor(actors, options.argument);
   if (!actor) {
-    std::fprintf(stderr, "tarnwick-cli: no actor \"%s\" in this game (see tarnwick-cli list)\n", options.argument.c_str());
+    std::fprintf(stderr, "tarnwick-cli: no actor \"%s\" in this game (see tarnwick-cli list)\n",
+                 options.argument.c_str());
     return kExitNothingStarted;
   }
   RigByName rig(options.rig);

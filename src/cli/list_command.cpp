@@ -14,7 +14,8 @@ int RunList(const CliOptions& options) {
   TStringBufferA<260> pattern;
   if (!SearchPattern(options.argument.c_str(), pattern)) return kExitNothingStarted;
   for (const ListedActor& actor : ListedActors(session.App())) {
-    if (options.argument.empty() || WildcardMatch(actor.name.c_str(), pattern.Text())) std::printf("%s\n", actor.name.c_str());
+    if (options.argument.empty() || WildcardMatch(actor.name.c_str(), pattern.Text()))
+      std::printf("%s\n", actor.name.c_str());
   }
   return kExitDone;
 }

@@ -20,9 +20,7 @@ extern MemoryHooks gMemoryHooks;
 
 inline void* MemAllocate(size_t size) { return gMemoryHooks.Allocate(size); }
 inline void MemFree(void* block) { gMemoryHooks.Free(block); }
-inline void* MemAlignedAllocate(size_t size, size_t alignment) {
-  return gMemoryHooks.AlignedAllocate(size, alignment);
-}
+inline void* MemAlignedAllocate(size_t size, size_t alignment) { return gMemoryHooks.AlignedAllocate(size, alignment); }
 inline void MemAlignedFree(void* block) { gMemoryHooks.AlignedFree(block); }
 
 // `new` for the system's own objects: through the hooks, null when memory is refused.
@@ -42,7 +40,9 @@ void MemDelete(T* object) {
 
 struct MemDeleter {
   template <class T>
-  void operator()(T* object) const { MemDelete(object); }
+  void operator()(T* object) const {
+    MemDelete(object);
+  }
 };
 
 // Sole owner of an object made by MemNew.

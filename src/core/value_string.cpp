@@ -19,8 +19,7 @@ bool TStringValue<Char>::Grow(u32 n) {
     }
   }
   const u64 characters = u64(n) + 1;
-  void* block = characters <= UINT32_MAX ? MemAllocate(sizeof(BlockHeader) + characters * sizeof(Char))
-                                         : nullptr;
+  void* block = characters <= UINT32_MAX ? MemAllocate(sizeof(BlockHeader) + characters * sizeof(Char)) : nullptr;
   if (!block) {
     Reset();
     return false;

@@ -14,11 +14,11 @@ constexpr u32 kSceneNoBone = 0xFFFFFFFF;
 
 // A bone of the skeleton in its bind pose.
 struct SceneBone {
-  const char* name = nullptr;  // the rig's, which outlives every conversion
-  i32 parent = -1;             // a bone of the scene, or -1 for one right below the actor's root
-  f32 translation[3] = {};     // relative to the parent, as the rig stores it
+  const char* name = nullptr;      // the rig's, which outlives every conversion
+  i32 parent = -1;                 // a bone of the scene, or -1 for one right below the actor's root
+  f32 translation[3] = {};         // relative to the parent, as the rig stores it
   f32 rotation[4] = {0, 0, 0, 1};  // quaternion x, y, z, w, as the rig stores it (maybe off unit length)
-  f64 bind[16] = {};           // the global bind transform, column-major, from the unit quaternions
+  f64 bind[16] = {};               // the global bind transform, column-major, from the unit quaternions
 };
 
 // One of a vertex's four influence slots, in the order the model stores them: a bone of the
@@ -40,14 +40,14 @@ struct SceneUvSet {
 struct SceneMesh {
   char name[16] = {};          // "Mesh_<index>"
   char materialName[16] = {};  // the name of its last UV set, or the mesh's without one
-  ExportMesh geometry;      // positions, normals, UV sets; `indices` holds whole triangles only,
-                            // each below `vertexCount`; `influences` is released once mapped
+  ExportMesh geometry;         // positions, normals, UV sets; `indices` holds whole triangles only,
+                               // each below `vertexCount`; `influences` is released once mapped
   TArray<SceneUvSet> uvSets;
   // With the actor's rig and influences of its own, each vertex's slots; empty otherwise.
   TArray<SceneInfluences> influences;
-  bool skinned = false;     // the mesh follows the skeleton (it may still bind no bone)
-  bool semiTransparent = false;  // its material definition says the surface is see-through
-  f64 color[3] = {1, 1, 0};  // the material's diffuse colour
+  bool skinned = false;              // the mesh follows the skeleton (it may still bind no bone)
+  bool semiTransparent = false;      // its material definition says the surface is see-through
+  f64 color[3] = {1, 1, 0};          // the material's diffuse colour
   i32 diffuseImage = kSceneNoImage;  // an entry of the scene's `images`
 
   u32 TriangleCount() const { return geometry.indexCount / 3; }
@@ -67,7 +67,7 @@ struct ExportScene {
   TArray<SceneBone> bones;      // in the rig's order
   // The bones that the model's own bones stand for, in the model's order, each once.
   TArray<u32> modelBones;
-  TArray<SceneMesh> meshes;     // in the model's order
+  TArray<SceneMesh> meshes;  // in the model's order
   // Every texture the meshes' materials name, each once, in the order the meshes name them.
   TArray<SceneImage> images;
 };

@@ -72,10 +72,22 @@ void ComposeBind(const f64* parent, const f32 (&t)[3], const f32 (&q)[4], f64 (&
   const f64 s = length > 0 ? 1 / length : 0;
   const f64 x = q[0] * s, y = q[1] * s, z = q[2] * s, w = length > 0 ? q[3] * s : 1;
   // The local matrix T * R, column-major.
-  const f64 local[16] = {1 - 2 * (y * y + z * z), 2 * (x * y + z * w),     2 * (x * z - y * w),     0,
-                         2 * (x * y - z * w),     1 - 2 * (x * x + z * z), 2 * (y * z + x * w),     0,
-                         2 * (x * z + y * w),     2 * (y * z - x * w),     1 - 2 * (x * x + y * y), 0,
-                         t[0],                    t[1],                    t[2],                    1};
+  const f64 local[16] = {1 - 2 * (y * y + z * z),
+                         2 * (x * y + z * w),
+                         2 * (x * z - y * w),
+                         0,
+                         2 * (x * y - z * w),
+                         1 - 2 * (x * x + z * z),
+                         2 * (y * z + x * w),
+                         0,
+                         2 * (x * z + y * w),
+                         2 * (y * z - x * w),
+                         1 - 2 * (x * x + y * y),
+                         0,
+                         t[0],
+                         t[1],
+                         t[2],
+                         1};
   for (u32 column = 0; column < 4; ++column) {
     for (u32 row = 0; row < 4; ++row) {
       f64 sum = 0;

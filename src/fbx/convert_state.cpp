@@ -16,9 +16,12 @@ constexpr struct {
   const char* name;
   bool value;
 } kExportOptions[] = {
-    {"Export|AdvOptGrp|Fbx|Material", true}, {"Export|AdvOptGrp|Fbx|Texture", true},
-    {"Export|AdvOptGrp|Fbx|EMBEDDED", false}, {"Export|AdvOptGrp|Fbx|Shape", true},
-    {"Export|AdvOptGrp|Fbx|Gobo", true},      {"Export|AdvOptGrp|Fbx|Animation", true},
+    {"Export|AdvOptGrp|Fbx|Material", true},
+    {"Export|AdvOptGrp|Fbx|Texture", true},
+    {"Export|AdvOptGrp|Fbx|EMBEDDED", false},
+    {"Export|AdvOptGrp|Fbx|Shape", true},
+    {"Export|AdvOptGrp|Fbx|Gobo", true},
+    {"Export|AdvOptGrp|Fbx|Animation", true},
     {"Export|AdvOptGrp|Fbx|Global_Settings", true},
 };
 

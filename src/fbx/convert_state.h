@@ -4,8 +4,8 @@
 
 #include "core/array.h"
 #include "core/string_buffer.h"
-#include "fbx/sdk/fbx_scene.h"
 #include "export/build_export_scene.h"
+#include "fbx/sdk/fbx_scene.h"
 
 struct FbxManagerDestroyer {
   void operator()(FbxManager* manager) const { manager->Destroy(); }
@@ -19,9 +19,9 @@ struct ConvertState {
 
   std::unique_ptr<FbxManager, FbxManagerDestroyer> fbxManager;
   FbxScene* fbxScene = nullptr;
-  TArray<FbxNode*> boneNodes;     // one node per bone of the export scene; empty without a rig
-  FbxNode* rootNode = nullptr;    // the node everything hangs under, named after the actor
-  TArray<FbxNode*> meshNodes;     // each converted mesh's node, in mesh order
+  TArray<FbxNode*> boneNodes;   // one node per bone of the export scene; empty without a rig
+  FbxNode* rootNode = nullptr;  // the node everything hangs under, named after the actor
+  TArray<FbxNode*> meshNodes;   // each converted mesh's node, in mesh order
 };
 
 // Makes the manager and the scene "Tarnwick" with its document information and the metre as unit.

@@ -3,8 +3,8 @@
 #include "fbx/sdk/fbx_mesh.h"
 #include "fbx/sdk/fbx_surface_phong.h"
 
-bool AddDiffuseTexture(ConvertState& state, u32 meshIndex, const char* name, const char* absolute,
-                       const char* relative, bool transparent) {
+bool AddDiffuseTexture(ConvertState& state, u32 meshIndex, const char* name, const char* absolute, const char* relative,
+                       bool transparent) {
   if (meshIndex >= state.meshNodes.Count()) return false;
   FbxNode* node = state.meshNodes[meshIndex];
   if (node->GetMaterialCount() == 0 || node->GetMaterial(0)->Kind() != FbxObjectKind::SurfacePhong) return false;

@@ -1,8 +1,8 @@
 #include "gamedata/actor_definition.h"
 
+#include "gamedata/xml_attributes.h"
 #include "xml/memory_stream.h"
 #include "xml/xml.h"
-#include "gamedata/xml_attributes.h"
 
 namespace {
 
@@ -22,7 +22,8 @@ bool ReadBoolOrFalse(IXMLData* element, const char* name) {
 
 bool ReadAlias(IXMLData* item, TextureAlias& alias) {
   u32 materialIndex = 0;
-  if (!ReadText(item, "textureName", alias.textureName) || !ReadNumber(item, "semanticHash", "%d", &alias.semanticHash) ||
+  if (!ReadText(item, "textureName", alias.textureName) ||
+      !ReadNumber(item, "semanticHash", "%d", &alias.semanticHash) ||
       !ReadNumber(item, "materialIndex", "%u", &materialIndex)) {
     return false;
   }
@@ -77,7 +78,8 @@ bool Read(ActorDefinition& actor, const CByteBuffer& bytes) {
   if (!SameText(root->GetName(), "ActorRuntime")) return false;
 
   IXMLData* base = root->FindChild("Base", nullptr);
-  if (!base || !ReadText(base, "fileName", actor.fileName) || !ReadTextOrEmpty(base, "paletteName", actor.paletteName)) {
+  if (!base || !ReadText(base, "fileName", actor.fileName) ||
+      !ReadTextOrEmpty(base, "paletteName", actor.paletteName)) {
     return false;
   }
   if (IXMLData* network = root->FindChild("AnimationNetwork", nullptr)) {
@@ -86,7 +88,8 @@ bool Read(ActorDefinition& actor, const CByteBuffer& bytes) {
       return false;
     }
   }
-  if (IXMLData* invisible = root->FindChild("Invisible", nullptr)) actor.invisible = ReadBoolOrFalse(invisible, "Value");
+  if (IXMLData* invisible = root->FindChild("Invisible", nullptr))
+    actor.invisible = ReadBoolOrFalse(invisible, "Value");
   if (IXMLData* usage = root->FindChild("Usage", nullptr)) {
     if (!ReadTextOrEmpty(usage, "boneAttachmentName", actor.boneAttachmentName)) return false;
     actor.borrowSkeleton = ReadBoolOrFalse(usage, "borrowSkeleton");

@@ -3,16 +3,16 @@
 #include <utility>
 
 #include "core/hash.h"
+#include "gamedata/xml_attributes.h"
 #include "xml/memory_stream.h"
 #include "xml/xml.h"
-#include "gamedata/xml_attributes.h"
 
 namespace {
 
 // Texts in code order; a text found nowhere takes the code after the last.
 constexpr const char* kTypeNames[] = {
-    "Float1",  "Float2",  "Float3",   "Float4",   "D3dcolor", "Ubyte4",    "Short2",    "Short4",  "Ubyte4n",
-    "Short2n", "Short4n", "Ushort2n", "Ushort4n", "Udec3",    "Dec3n",     "Float16_2", "Float16_4", "Unknown",
+    "Float1",  "Float2",  "Float3",   "Float4",   "D3dcolor", "Ubyte4", "Short2",    "Short4",    "Ubyte4n",
+    "Short2n", "Short4n", "Ushort2n", "Ushort4n", "Udec3",    "Dec3n",  "Float16_2", "Float16_4", "Unknown",
 };
 constexpr u32 kTypeSizes[] = {4, 8, 12, 16, 4, 4, 4, 8, 4, 4, 8, 4, 8, 0, 0, 4, 8, 0, 0};
 constexpr const char* kUsageNames[] = {
@@ -117,7 +117,8 @@ bool ParseDefinition(IXMLData* element, MaterialDefinition& definition) {
       IXMLData* item = items->GetItem(static_cast<i32>(i));
       DrawStyle& style = definition.drawStyles[i];
       const char* styleName = AttributeText(item, "Name");
-      if (!styleName || !ReadText(item, "Effect", style.effect) || !ReadText(item, "InputLayout", style.inputLayoutName)) {
+      if (!styleName || !ReadText(item, "Effect", style.effect) ||
+          !ReadText(item, "InputLayout", style.inputLayoutName)) {
         return false;
       }
       style.name.Assign(styleName);
@@ -184,7 +185,8 @@ bool MaterialDefinitionSet::Read(const CByteBuffer& bytes) {
   }
   // Layouts are linked only now: the table moves its entries while it grows.
   for (u32 i = 0; i < definitions.Count(); ++i) {
-    for (DrawStyle& style : definitions.ValueAt(i).drawStyles) style.inputLayout = FindInputLayout(style.inputLayoutName.Text());
+    for (DrawStyle& style : definitions.ValueAt(i).drawStyles)
+      style.inputLayout = FindInputLayout(style.inputLayoutName.Text());
   }
   return true;
 }

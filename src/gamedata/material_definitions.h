@@ -8,14 +8,43 @@
 
 // How one element of a vertex is stored, as the catalogue names it.
 enum ElementType : u32 {
-  kFloat1, kFloat2, kFloat3, kFloat4, kD3dcolor, kUbyte4, kShort2, kShort4, kUbyte4n, kShort2n,
-  kShort4n, kUshort2n, kUshort4n, kUdec3, kDec3n, kFloat16_2, kFloat16_4, kUnknownType, kOtherType,
+  kFloat1,
+  kFloat2,
+  kFloat3,
+  kFloat4,
+  kD3dcolor,
+  kUbyte4,
+  kShort2,
+  kShort4,
+  kUbyte4n,
+  kShort2n,
+  kShort4n,
+  kUshort2n,
+  kUshort4n,
+  kUdec3,
+  kDec3n,
+  kFloat16_2,
+  kFloat16_4,
+  kUnknownType,
+  kOtherType,
 };
 
 // What a vertex element means.
 enum ElementUsage : u32 {
-  kPosition, kBlendWeight, kBlendIndices, kNormal, kPsize, kTexcoord, kTangent, kBinormal,
-  kPositionT, kColor, kFog, kDepth, kUnknownUsage, kOtherUsage,
+  kPosition,
+  kBlendWeight,
+  kBlendIndices,
+  kNormal,
+  kPsize,
+  kTexcoord,
+  kTangent,
+  kBinormal,
+  kPositionT,
+  kColor,
+  kFog,
+  kDepth,
+  kUnknownUsage,
+  kOtherUsage,
 };
 
 // Material properties that the catalogue lists by name.

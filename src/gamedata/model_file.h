@@ -4,9 +4,9 @@
 
 #include "core/array.h"
 #include "core/byte_buffer.h"
+#include "core/byte_reader.h"
 #include "core/types.h"
 #include "core/value_string.h"
-#include "core/byte_reader.h"
 
 // A model file (DMOD, version 4) and its material chunk (DMAT, version 1), which also stands alone
 // as a palette file. Both records are filled once by the readers below and not changed afterwards.
@@ -73,10 +73,10 @@ struct BoneMapEntry {
 static_assert(sizeof(BoneMapEntry) == 4 && std::is_trivially_copyable_v<BoneMapEntry>);
 
 struct ModelBone {
-  u32 nameHash = 0;          // HashNameWide of the name; the only link to the rig's bones
+  u32 nameHash = 0;           // HashNameWide of the name; the only link to the rig's bones
   f32 bindMatrix[4][4] = {};  // row-major; after a read the fourth column is (0, 0, 0, 1)
-  u32 bounds[6] = {};        // six words as stored
-  bool used = false;         // some bone map entry names this bone
+  u32 bounds[6] = {};         // six words as stored
+  bool used = false;          // some bone map entry names this bone
 };
 
 struct ModelFile {
@@ -110,7 +110,9 @@ struct MaterialParameter {
   // The data of a texture reference: the hash of the name.
   u32 ReferencedHash() const;
   // Null when dataSize is 0.
-  const u8* Data() const { return dataSize == 0 ? nullptr : dataSize <= kInlineDataSize ? data.inlineBytes : data.block; }
+  const u8* Data() const {
+    return dataSize == 0 ? nullptr : dataSize <= kInlineDataSize ? data.inlineBytes : data.block;
+  }
   void FreeData();
 
   u32 semanticHash = 0;  // HashKey of the parameter's name, such as "baseDiffuse"

@@ -90,10 +90,22 @@ void AppendInverse(const f64 (&m)[16], std::vector<f32>& out) {
     for (u32 k = 0; k < 9; ++k) r[k] = cofactor[k] / det;
   }
   const f64 t[3] = {m[12], m[13], m[14]};
-  const f64 inverse[16] = {r[0], r[3], r[6], 0, r[1], r[4], r[7], 0, r[2], r[5], r[8], 0,
+  const f64 inverse[16] = {r[0],
+                           r[3],
+                           r[6],
+                           0,
+                           r[1],
+                           r[4],
+                           r[7],
+                           0,
+                           r[2],
+                           r[5],
+                           r[8],
+                           0,
                            -(r[0] * t[0] + r[1] * t[1] + r[2] * t[2]),
                            -(r[3] * t[0] + r[4] * t[1] + r[5] * t[2]),
-                           -(r[6] * t[0] + r[7] * t[1] + r[8] * t[2]), 1};
+                           -(r[6] * t[0] + r[7] * t[1] + r[8] * t[2]),
+                           1};
   for (f64 value : inverse) out.push_back(f32(value));
 }
 
@@ -198,11 +210,14 @@ class DocumentBuilder {
     }
 
     json::Object document;
-    document.Set("asset", json::Object().Set("version", json::String("2.0")).Set("generator", json::String("Tarnwick")).Text())
+    document
+        .Set("asset",
+             json::Object().Set("version", json::String("2.0")).Set("generator", json::String("Tarnwick")).Text())
         .Set("scene", "0")
-        .Set("scenes", json::Array(std::vector<json::Object>{json::Object()
-                                                                  .Set("name", json::String(scene.rootName.Text()))
-                                                                  .Set("nodes", json::Array(sceneNodes))}))
+        .Set(
+            "scenes",
+            json::Array(std::vector<json::Object>{
+                json::Object().Set("name", json::String(scene.rootName.Text())).Set("nodes", json::Array(sceneNodes))}))
         .Set("nodes", json::Array(nodes));
     if (!meshes.empty()) document.Set("meshes", json::Array(meshes));
     if (!materials.empty()) document.Set("materials", json::Array(materials));
@@ -214,8 +229,9 @@ class DocumentBuilder {
     if (!buffer.accessors.empty()) document.Set("accessors", json::Array(buffer.accessors));
     if (!buffer.views.empty()) document.Set("bufferViews", json::Array(buffer.views));
     if (!out.bin.empty()) {
-      document.Set("buffers", json::Array(std::vector<json::Object>{
-                                  json::Object().Set("byteLength", json::Number(u64(out.bin.size())))}));
+      document.Set(
+          "buffers",
+          json::Array(std::vector<json::Object>{json::Object().Set("byteLength", json::Number(u64(out.bin.size())))}));
     }
     out.json = document.Text();
   }
@@ -241,8 +257,8 @@ class DocumentBuilder {
     json::Object attributes;
     attributes.Set("POSITION", json::Number(AddPositions(geometry)));
     if (geometry.flags & kHasNormal) {
-      attributes.Set("NORMAL", json::Number(buffer.AddAccessor(UnitNormals(geometry), kFloat, "VEC3", vertexCount,
-                                                               kArrayBuffer)));
+      attributes.Set(
+          "NORMAL", json::Number(buffer.AddAccessor(UnitNormals(geometry), kFloat, "VEC3", vertexCount, kArrayBuffer)));
     }
     u32 uvSets = 0;
     for (const SceneUvSet& set : mesh.uvSets) {
@@ -270,7 +286,9 @@ class DocumentBuilder {
         .Set("indices", json::Number(indices))
         .Set("mode", json::Number(kTriangles))
         .Set("material", json::Number(AddMaterial(mesh, uvSets > 0 ? mesh.diffuseImage : kSceneNoImage)));
-    meshes.push_back(json::Object().Set("name", json::String(mesh.name)).Set("primitives", json::Array(std::vector<json::Object>{primitive})));
+    meshes.push_back(json::Object()
+                         .Set("name", json::String(mesh.name))
+                         .Set("primitives", json::Array(std::vector<json::Object>{primitive})));
     nodes[node].Set("mesh", json::Number(u64(meshes.size() - 1)));
     return skinned;
   }
@@ -298,10 +316,9 @@ class DocumentBuilder {
         values.push_back(xyz[a]);
       }
     }
-    return buffer.AddAccessor(values, kFloat, "VEC3", count, kArrayBuffer,
-                              json::Object()
-                                  .Set("min", Numbers({low[0], low[1], low[2]}))
-                                  .Set("max", Numbers({high[0], high[1], high[2]})));
+    return buffer.AddAccessor(
+        values, kFloat, "VEC3", count, kArrayBuffer,
+        json::Object().Set("min", Numbers({low[0], low[1], low[2]})).Set("max", Numbers({high[0], high[1], high[2]})));
   }
 
   static bool BindsBone(const SceneMesh& mesh) {
@@ -352,14 +369,17 @@ class DocumentBuilder {
       for (const VertexWeights& vertex : weights) {
         for (u16 joint : vertex.joint) values.push_back(u8(joint));
       }
-      attributes.Set("JOINTS_0", json::Number(buffer.AddAccessor(values, kUnsignedByte, "VEC4", vertexCount, kArrayBuffer)));
+      attributes.Set("JOINTS_0",
+                     json::Number(buffer.AddAccessor(values, kUnsignedByte, "VEC4", vertexCount, kArrayBuffer)));
     } else {
       std::vector<u16> values;
       values.reserve(kInfluences * vertexCount);
       for (const VertexWeights& vertex : weights) values.insert(values.end(), vertex.joint, vertex.joint + 4);
-      attributes.Set("JOINTS_0", json::Number(buffer.AddAccessor(values, kUnsignedShort, "VEC4", vertexCount, kArrayBuffer)));
+      attributes.Set("JOINTS_0",
+                     json::Number(buffer.AddAccessor(values, kUnsignedShort, "VEC4", vertexCount, kArrayBuffer)));
     }
-    attributes.Set("WEIGHTS_0", json::Number(buffer.AddAccessor(weightValues, kFloat, "VEC4", vertexCount, kArrayBuffer)));
+    attributes.Set("WEIGHTS_0",
+                   json::Number(buffer.AddAccessor(weightValues, kFloat, "VEC4", vertexCount, kArrayBuffer)));
     AddSkin(mesh.name, JointsJson(), node);
     return true;
   }

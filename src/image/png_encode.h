@@ -13,7 +13,8 @@ enum class PngChannels {
 
 // `image` as a PNG file of 8-bit `channels`, rows from the top as the image holds them. False,
 // with `png` emptied, for an empty image or when the encoder fails.
-[[nodiscard]] bool EncodePng(const DecodedImage& image, std::vector<u8>& png, PngChannels channels = PngChannels::kRgba);
+[[nodiscard]] bool EncodePng(const DecodedImage& image, std::vector<u8>& png,
+                             PngChannels channels = PngChannels::kRgba);
 
 // Whether every pixel of `image` has an alpha of 255.
 bool IsOpaque(const DecodedImage& image);

@@ -23,10 +23,9 @@ void Normalised(const f32 (&q)[4], f64 (&out)[4]) {
 
 // `a` after `b`: the rotation b, then a (column vectors, as the export's matrices are).
 void Multiply(const f64 (&a)[4], const f64 (&b)[4], f64 (&out)[4]) {
-  const f64 r[4] = {a[3] * b[0] + a[0] * b[3] + a[1] * b[2] - a[2] * b[1],
-                    a[3] * b[1] - a[0] * b[2] + a[1] * b[3] + a[2] * b[0],
-                    a[3] * b[2] + a[0] * b[1] - a[1] * b[0] + a[2] * b[3],
-                    a[3] * b[3] - a[0] * b[0] - a[1] * b[1] - a[2] * b[2]};
+  const f64 r[4] = {
+      a[3] * b[0] + a[0] * b[3] + a[1] * b[2] - a[2] * b[1], a[3] * b[1] - a[0] * b[2] + a[1] * b[3] + a[2] * b[0],
+      a[3] * b[2] + a[0] * b[1] - a[1] * b[0] + a[2] * b[3], a[3] * b[3] - a[0] * b[0] - a[1] * b[1] - a[2] * b[2]};
   for (int i = 0; i < 4; ++i) out[i] = r[i];
 }
 

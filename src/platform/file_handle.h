@@ -26,9 +26,7 @@ class FileHandle {
   // end of the file or on an error.
   u64 ReadAt(u64 offset, void* dest, u64 count) const;
   // True only when exactly `count` bytes were delivered.
-  [[nodiscard]] bool ReadExact(u64 offset, void* dest, u64 count) const {
-    return ReadAt(offset, dest, count) == count;
-  }
+  [[nodiscard]] bool ReadExact(u64 offset, void* dest, u64 count) const { return ReadAt(offset, dest, count) == count; }
 
  private:
   int fd = -1;

@@ -1,8 +1,8 @@
 #include "platform/folders.h"
 
 #include <dirent.h>
-#include <limits.h>
 #include <fcntl.h>
+#include <limits.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -55,7 +55,8 @@ bool ListFolder(const char* path, std::vector<std::string>& names) {
   DIR* folder = ::opendir(platformPath[0] ? platformPath : ".");
   if (!folder) return false;
   while (const dirent* entry = ::readdir(folder)) {
-    if (std::strcmp(entry->d_name, ".") != 0 && std::strcmp(entry->d_name, "..") != 0) names.emplace_back(entry->d_name);
+    if (std::strcmp(entry->d_name, ".") != 0 && std::strcmp(entry->d_name, "..") != 0)
+      names.emplace_back(entry->d_name);
   }
   ::closedir(folder);
   // readdir's order is the file system's; callers want the same answer every time.

@@ -1,13 +1,11 @@
 #include "platform/headless_window_system.h"
 
+#include <strings.h>
 #include <algorithm>
 #include <chrono>
 #include <cstring>
-#include <strings.h>
 
-HeadlessWindowSystem::HeadlessWindowSystem() : mainThread(std::this_thread::get_id()) {
-  At(kFileList).sorted = true;
-}
+HeadlessWindowSystem::HeadlessWindowSystem() : mainThread(std::this_thread::get_id()) { At(kFileList).sorted = true; }
 
 HeadlessWindowSystem::Control& HeadlessWindowSystem::At(i32 control) { return controls[control]; }
 

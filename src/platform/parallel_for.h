@@ -12,8 +12,8 @@ void ParallelFor(u32 count, u32 maxWorkers, void (*body)(void* context, u32 work
 template <class Body>
 void ParallelFor(u32 count, u32 maxWorkers, Body& body) {
   ParallelFor(
-      count, maxWorkers,
-      [](void* context, u32 worker, u32 item) { (*static_cast<Body*>(context))(worker, item); }, &body);
+      count, maxWorkers, [](void* context, u32 worker, u32 item) { (*static_cast<Body*>(context))(worker, item); },
+      &body);
 }
 
 // Whether the calling thread runs an item of a ParallelFor, where a nested one has no threads.

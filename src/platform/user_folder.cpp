@@ -29,8 +29,8 @@ bool GetHomeFolder(CStringBufferA& out) {
   char scratch[4096];
   passwd entry;
   passwd* found = nullptr;
-  if (getpwuid_r(getuid(), &entry, scratch, sizeof(scratch), &found) != 0 || !found ||
-      !found->pw_dir || !found->pw_dir[0]) {
+  if (getpwuid_r(getuid(), &entry, scratch, sizeof(scratch), &found) != 0 || !found || !found->pw_dir ||
+      !found->pw_dir[0]) {
     return false;
   }
   return out.Assign(found->pw_dir) && out.Length() > 0;

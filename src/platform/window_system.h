@@ -21,7 +21,7 @@ enum ControlId : i32 {
   kProgressBar = 1012,
   kStatusText = 1014,
   kInfoText = 1020,
-  kCancelButton = 1021,  // stops a batch conversion; shown only while one runs
+  kCancelButton = 1021,      // stops a batch conversion; shown only while one runs
   kOpenFolderButton = 1022,  // "Open folder...": lists and opens any installation folder
 };
 
@@ -44,13 +44,13 @@ class IWindowSystem {
   virtual ~IWindowSystem() = default;
 
   // Lists and the combo box.
-  virtual i32 AddString(i32 control, const char* text) = 0;                 // index or kListErrSpace
-  virtual i32 InsertString(i32 control, i32 index, const char* text) = 0;   // -1: at the end
+  virtual i32 AddString(i32 control, const char* text) = 0;                // index or kListErrSpace
+  virtual i32 InsertString(i32 control, i32 index, const char* text) = 0;  // -1: at the end
   virtual bool SetItemData(i32 control, i32 index, std::intptr_t data) = 0;
-  virtual std::intptr_t GetItemData(i32 control, i32 index) = 0;           // kListError on failure
-  virtual i32 GetCurSel(i32 control) = 0;                                  // kListError for none
+  virtual std::intptr_t GetItemData(i32 control, i32 index) = 0;  // kListError on failure
+  virtual i32 GetCurSel(i32 control) = 0;                         // kListError for none
   virtual bool SetCurSel(i32 control, i32 index) = 0;
-  virtual i32 GetTextLength(i32 control, i32 index) = 0;                   // kListError on failure
+  virtual i32 GetTextLength(i32 control, i32 index) = 0;  // kListError on failure
   // Copies the item's text into `out` (which holds GetTextLength + 1 characters); its length, or
   // kListError.
   virtual i32 GetText(i32 control, i32 index, char* out) = 0;

@@ -41,10 +41,10 @@ void ArcBallCamera::SetWindow(i32 newWidth, i32 newHeight, f32 newRadius) {
 Vector3 ArcBallCamera::ScreenToBall(f32 x, f32 y) const {
   // The ball is centred on the whole-pixel middle of the area, and y is not flipped: a drag down
   // reads as +y on the ball.
-  const f32 bx = (x - static_cast<f32>(offsetX) - static_cast<f32>(width / 2)) /
-                 (static_cast<f32>(width) * radius * 0.5f);
-  const f32 by = (y - static_cast<f32>(offsetY) - static_cast<f32>(height / 2)) /
-                 (static_cast<f32>(height) * radius * 0.5f);
+  const f32 bx =
+      (x - static_cast<f32>(offsetX) - static_cast<f32>(width / 2)) / (static_cast<f32>(width) * radius * 0.5f);
+  const f32 by =
+      (y - static_cast<f32>(offsetY) - static_cast<f32>(height / 2)) / (static_cast<f32>(height) * radius * 0.5f);
   const f32 lengthSquared = bx * bx + by * by;
   if (lengthSquared > 1.0f) {
     // Off the ball: the nearest point of its rim, so the drag keeps turning about the view axis.
@@ -73,8 +73,7 @@ void ArcBallCamera::MoveDrag(i32 x, i32 y) {
   currentRotation = QuaternionMultiply(downRotation, step);
 }
 
-bool ArcBallCamera::HandleMessage(IMouseCapture& capture, u32 message, u32 buttons, i32 x, i32 y,
-                                  bool captureToSelf) {
+bool ArcBallCamera::HandleMessage(IMouseCapture& capture, u32 message, u32 buttons, i32 x, i32 y, bool captureToSelf) {
   // The wheel and anything outside the mouse range fall to the default, untouched.
   switch (message) {
     case kLeftButtonDown:
@@ -105,10 +104,8 @@ bool ArcBallCamera::HandleMessage(IMouseCapture& capture, u32 message, u32 butto
       capture.ReleaseCapture();
       dragging = false;
       return true;
-    case kMouseMove:
-      return HandleMove(buttons, x, y);
-    default:
-      return false;
+    case kMouseMove: return HandleMove(buttons, x, y);
+    default: return false;
   }
 }
 
@@ -134,8 +131,8 @@ bool ArcBallCamera::HandleMove(u32 buttons, i32 x, i32 y) {
   return true;
 }
 
-void ArcBallCamera::FrameBounds(const f32 min[3], const f32 max[3], f32 horizontalFov,
-                                f32 verticalFov, Matrix4& modelOffset) {
+void ArcBallCamera::FrameBounds(const f32 min[3], const f32 max[3], f32 horizontalFov, f32 verticalFov,
+                                Matrix4& modelOffset) {
   f32 half[3];
   f32 centre[3];
   for (int i = 0; i < 3; ++i) {

@@ -46,11 +46,9 @@ class ArcBallCamera {
   void SetWindow(i32 width, i32 height, f32 radius);
   // One mouse message at (x, y) with the `buttons` held. For kCaptureChanged, `captureToSelf`
   // says whether the capture went to this control itself. True for a message it took.
-  bool HandleMessage(IMouseCapture& capture, u32 message, u32 buttons, i32 x, i32 y,
-                     bool captureToSelf = false);
+  bool HandleMessage(IMouseCapture& capture, u32 message, u32 buttons, i32 x, i32 y, bool captureToSelf = false);
   // Frames the box `min`..`max` and gives the model's centring translation in `modelOffset`.
-  void FrameBounds(const f32 min[3], const f32 max[3], f32 horizontalFov, f32 verticalFov,
-                   Matrix4& modelOffset);
+  void FrameBounds(const f32 min[3], const f32 max[3], f32 horizontalFov, f32 verticalFov, Matrix4& modelOffset);
   Vector3 ScreenToBall(f32 x, f32 y) const;
 
   const Matrix4& RotationMatrix() const { return rotationMatrix; }

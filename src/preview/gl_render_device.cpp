@@ -33,8 +33,8 @@ u32 GlRenderDevice::Compile(u32 stage, const char* path, const char* defines) {
   return 0;
 }
 
-bool GlRenderDevice::Build(Program& program, const char* vertexPath, const char* geometryPath,
-                           const char* fragmentPath, const char* defines) {
+bool GlRenderDevice::Build(Program& program, const char* vertexPath, const char* geometryPath, const char* fragmentPath,
+                           const char* defines) {
   const u32 stages[3] = {Compile(GL_VERTEX_SHADER, vertexPath, defines),
                          geometryPath ? Compile(GL_GEOMETRY_SHADER, geometryPath, defines) : 0,
                          Compile(GL_FRAGMENT_SHADER, fragmentPath, defines)};
@@ -107,12 +107,12 @@ bool GlRenderDevice::CreateMesh(const PreviewMesh& mesh, GpuMesh& out) {
   glBindVertexArray(out.vertexArray);
   glGenBuffers(1, &out.vertexBuffer);
   glBindBuffer(GL_ARRAY_BUFFER, out.vertexBuffer);
-  glBufferData(GL_ARRAY_BUFFER, GLsizeiptr(mesh.vertexCount) * GLsizeiptr(sizeof(PreviewVertex)),
-               mesh.vertices.Data(), GL_STATIC_DRAW);
+  glBufferData(GL_ARRAY_BUFFER, GLsizeiptr(mesh.vertexCount) * GLsizeiptr(sizeof(PreviewVertex)), mesh.vertices.Data(),
+               GL_STATIC_DRAW);
   glGenBuffers(1, &out.indexBuffer);
   glBindBuffer(GL_ELEMENT_ARRAY_BUFFER, out.indexBuffer);
-  glBufferData(GL_ELEMENT_ARRAY_BUFFER, GLsizeiptr(mesh.indexCount) * GLsizeiptr(sizeof(u32)),
-               mesh.indices.Data(), GL_STATIC_DRAW);
+  glBufferData(GL_ELEMENT_ARRAY_BUFFER, GLsizeiptr(mesh.indexCount) * GLsizeiptr(sizeof(u32)), mesh.indices.Data(),
+               GL_STATIC_DRAW);
   constexpr GLsizei kStride = sizeof(PreviewVertex);
   glEnableVertexAttribArray(0);
   glVertexAttribPointer(0, 3, GL_FLOAT, GL_FALSE, kStride, reinterpret_cast<void*>(offsetof(PreviewVertex, position)));
@@ -142,8 +142,8 @@ u32 GlRenderDevice::CreateTexture(const DecodedImage& image) {
   glBindTexture(GL_TEXTURE_2D, texture);
   glPixelStorei(GL_UNPACK_ALIGNMENT, 1);
   // The first row stored is the image's top, where texture coordinate v is 0.
-  glTexImage2D(GL_TEXTURE_2D, 0, GL_RGBA8, GLsizei(image.width), GLsizei(image.height), 0, GL_RGBA,
-               GL_UNSIGNED_BYTE, image.pixels.Data());
+  glTexImage2D(GL_TEXTURE_2D, 0, GL_RGBA8, GLsizei(image.width), GLsizei(image.height), 0, GL_RGBA, GL_UNSIGNED_BYTE,
+               image.pixels.Data());
   glGenerateMipmap(GL_TEXTURE_2D);
   glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MIN_FILTER, GL_LINEAR_MIPMAP_LINEAR);
   glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MAG_FILTER, GL_LINEAR);

@@ -1,9 +1,9 @@
 #pragma once
 
 #include "core/types.h"
+#include "image/image_decode.h"
 #include "mesh/bind_skeleton.h"
 #include "mesh/preview_mesh.h"
-#include "image/image_decode.h"
 #include "preview/preview_math.h"
 
 // A mesh in graphics memory: its buffers, 0 when absent.

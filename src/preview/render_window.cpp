@@ -18,8 +18,7 @@ constexpr const char* kNoSkeletonLine = "Skeleton: none, no rig fits this actor\
 
 }  // namespace
 
-CRenderWindow::CRenderWindow(IRenderHost& renderHost, i32 width, i32 height)
-    : host(renderHost), camera(width, height) {
+CRenderWindow::CRenderWindow(IRenderHost& renderHost, i32 width, i32 height) : host(renderHost), camera(width, height) {
   (void)infoText.Reserve(16384);
 }
 
@@ -119,8 +118,7 @@ void CRenderWindow::LoadSkeleton(const ActorFiles& files, ISkeletonSource* skele
   skeletonName.Assign(name ? name : "");
 }
 
-void CRenderWindow::HandleMouse(IMouseCapture& capture, u32 message, u32 buttons, i32 x, i32 y,
-                                bool captureToSelf) {
+void CRenderWindow::HandleMouse(IMouseCapture& capture, u32 message, u32 buttons, i32 x, i32 y, bool captureToSelf) {
   if (camera.HandleMessage(capture, message, buttons, x, y, captureToSelf)) host.RequestFrame();
 }
 

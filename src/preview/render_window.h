@@ -97,7 +97,6 @@ class CRenderWindow final : public IRenderWindow {
   f32 HorizontalFov() const { return horizontalFov; }
 
  private:
-
   bool BuildDrawNode(const ModelMaterial& material, const ModelMesh& mesh, const MaterialDefinitionSet& materials);
   u32 GetTexture(const char* name);
   void ReleaseDrawList();

@@ -10,8 +10,8 @@ class IRenderDevice;
 struct TextureEntry {
   u32 texture = 0;
   bool used = false;
-  u32 hash = 0;                // HashName of the name
-  TStringBufferA<48> name;     // the name as first asked for
+  u32 hash = 0;             // HashName of the name
+  TStringBufferA<48> name;  // the name as first asked for
 };
 
 // Eight entries of one bucket. Blocks never move, so an entry found stays where it is while

@@ -10,9 +10,7 @@ QVariant ItemListModel::data(const QModelIndex& index, int role) const {
   return QString::fromUtf8(entry->text);
 }
 
-i32 ItemListModel::Add(const char* text) {
-  return Insert(sorted ? i32(SortedPosition(entries, text)) : -1, text);
-}
+i32 ItemListModel::Add(const char* text) { return Insert(sorted ? i32(SortedPosition(entries, text)) : -1, text); }
 
 i32 ItemListModel::Insert(i32 index, const char* text) {
   if (entries.size() >= kLimit) return kListErrSpace;

@@ -2,10 +2,9 @@
 
 #include <QCheckBox>
 #include <QCloseEvent>
+#include <QComboBox>
 #include <QDragEnterEvent>
 #include <QDropEvent>
-#include <QShortcut>
-#include <QComboBox>
 #include <QKeyEvent>
 #include <QLabel>
 #include <QLineEdit>
@@ -14,6 +13,7 @@
 #include <QProgressBar>
 #include <QPushButton>
 #include <QScreen>
+#include <QShortcut>
 #include <QWindow>
 #include <algorithm>
 #include <cmath>
@@ -52,8 +52,8 @@ QListView* MakeListView(QWidget* parent, ItemListModel* model,
 
 MainWindow::MainWindow(AppState& state) : app(state) {
   setWindowTitle(QStringLiteral("Tarnwick"));
-  setWindowFlags(Qt::Window | Qt::WindowTitleHint |
-                 Qt::WindowSystemMenuHint | Qt::WindowMinimizeButtonHint | Qt::WindowCloseButtonHint);
+  setWindowFlags(Qt::Window | Qt::WindowTitleHint | Qt::WindowSystemMenuHint | Qt::WindowMinimizeButtonHint |
+                 Qt::WindowCloseButtonHint);
 
   // In the template's order, which is also the tab order.
   auto* fileModel = new ItemListModel(true, this);
@@ -118,8 +118,7 @@ MainWindow::MainWindow(AppState& state) : app(state) {
   windowSystem.AddControl(kRenderControl, renderControl->Container());
   windowSystem.SetRenderWindow(&renderControl->Preview());
   // The skeleton view names its rig in the panel while it is on.
-  renderControl->OnViewsChanged(
-      [this] { windowSystem.SetText(kInfoText, renderControl->Preview().GetInfoText()); });
+  renderControl->OnViewsChanged([this] { windowSystem.SetText(kInfoText, renderControl->Preview().GetInfoText()); });
 
   auto* infoText = new QPlainTextEdit(this);
   infoText->setReadOnly(true);
@@ -131,8 +130,10 @@ MainWindow::MainWindow(AppState& state) : app(state) {
   QObject::connect(fileView->selectionModel(), &QItemSelectionModel::selectionChanged, this, [this] {
     if (!windowSystem.ChangingSelection()) OnFileSelected(app);
   });
-  QObject::connect(convertButton, &QPushButton::clicked, this,
-                   [this] { OnConvertButton(app, saveDialog, rigDialog, folderDialog, {.textures = texturesCheck->isChecked(), .format = ExportFormat::kByExtension}); });
+  QObject::connect(convertButton, &QPushButton::clicked, this, [this] {
+    OnConvertButton(app, saveDialog, rigDialog, folderDialog,
+                    {.textures = texturesCheck->isChecked(), .format = ExportFormat::kByExtension});
+  });
   QObject::connect(cancelButton, &QPushButton::clicked, this, [this] { OnCancelButton(app); });
   QObject::connect(searchButton, &QPushButton::clicked, this, [this] { SearchRequest(app); });
   QObject::connect(gameButton, &QPushButton::clicked, this, [this] { OnGameButton(app); });
@@ -218,12 +219,11 @@ void MainWindow::CreateShortcuts() {
       if (button->isVisible() && button->isEnabled()) button->click();
     };
   };
-  add(QKeySequence(Qt::CTRL | Qt::Key_F), searchEdit, "Search the actors with a wildcard pattern, then Return",
-      [this] {
-        if (!searchEdit->isEnabled()) return;
-        searchEdit->setFocus(Qt::ShortcutFocusReason);
-        searchEdit->selectAll();
-      });
+  add(QKeySequence(Qt::CTRL | Qt::Key_F), searchEdit, "Search the actors with a wildcard pattern, then Return", [this] {
+    if (!searchEdit->isEnabled()) return;
+    searchEdit->setFocus(Qt::ShortcutFocusReason);
+    searchEdit->selectAll();
+  });
   add(QKeySequence(Qt::CTRL | Qt::Key_S), convertButton, "Convert the selected actors", clickIfEnabled(convertButton));
   add(QKeySequence(Qt::CTRL | Qt::Key_O), openFolderButton, "Open a game's installation folder",
       clickIfEnabled(openFolderButton));

@@ -86,9 +86,9 @@ class MainWindow final : public QWidget {
   QPushButton* openFolderButton = nullptr;
   QCheckBox* texturesCheck = nullptr;
   RenderControl* renderControl = nullptr;  // owned by its container, a child of this window
-  std::vector<Placed> placed;  // in the template's order
-  double fit = 0;  // 0 until the first layout
-  bool centred = false;  // placed on the first show, which also starts following its screen
+  std::vector<Placed> placed;              // in the template's order
+  double fit = 0;                          // 0 until the first layout
+  bool centred = false;                    // placed on the first show, which also starts following its screen
   // The control that had the keyboard until a worker disabled it; it has it back when enabled.
   QPointer<QWidget> focusBeforeBusy;
 };

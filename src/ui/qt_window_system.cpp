@@ -264,7 +264,8 @@ void QtWindowSystem::PostQuit(i32 code) {
 
 void QtWindowSystem::Wake() {
   // An empty call queued to the main thread is an event, and ends the wait in Pump.
-  QMetaObject::invokeMethod(&mainThreadObject, [] {}, Qt::QueuedConnection);
+  QMetaObject::invokeMethod(
+      &mainThreadObject, [] {}, Qt::QueuedConnection);
 }
 
 void QtWindowSystem::Pump(u32 timeoutMs) {

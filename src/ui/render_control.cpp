@@ -25,14 +25,10 @@ u32 ButtonFlags(Qt::MouseButtons buttons) {
 // The message of a press (offset 0), release (1) or double click (2) of `button`; 0 for others.
 u32 ButtonMessage(Qt::MouseButton button, u32 offset) {
   switch (button) {
-    case Qt::LeftButton:
-      return kLeftButtonDown + offset;
-    case Qt::RightButton:
-      return kRightButtonDown + offset;
-    case Qt::MiddleButton:
-      return kMiddleButtonDown + offset;
-    default:
-      return 0;
+    case Qt::LeftButton: return kLeftButtonDown + offset;
+    case Qt::RightButton: return kRightButtonDown + offset;
+    case Qt::MiddleButton: return kMiddleButtonDown + offset;
+    default: return 0;
   }
 }
 
@@ -209,18 +205,10 @@ void RenderControl::keyPressEvent(QKeyEvent* event) {
   PreviewViews views = preview.Views();
   switch (event->key()) {
     case Qt::Key_F:
-    case Qt::Key_Home:
-      preview.Reframe();
-      return;
-    case Qt::Key_B:
-      views.skeleton = !views.skeleton;
-      break;
-    case Qt::Key_W:
-      views.wireframe = !views.wireframe;
-      break;
-    default:
-      event->ignore();
-      return;
+    case Qt::Key_Home: preview.Reframe(); return;
+    case Qt::Key_B: views.skeleton = !views.skeleton; break;
+    case Qt::Key_W: views.wireframe = !views.wireframe; break;
+    default: event->ignore(); return;
   }
   preview.SetViews(views);
   if (viewsChanged) viewsChanged();

@@ -2,9 +2,9 @@
 
 #include <mutex>
 
-#include "xml/stream.h"
 #include "core/value_string.h"
 #include "platform/file_handle.h"
+#include "xml/stream.h"
 
 // Makes every folder above the last component of `path` (the last is taken as a file name). With a
 // drive letter the drive itself isn't made. Folders made stay when a later one fails.

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "xml/stream.h"
 #include "core/types.h"
+#include "xml/stream.h"
 
 // The read-only XML document: a parser fills a tree of element records once, and everything later
 // reads the tree. Names given to the queries are compared with ASCII case folded: attributes by

@@ -63,7 +63,8 @@ void CXMLData::FreeChildren() {
 
 void CXMLData::ResetForBuild() {
   FreeChildren();
-  for (XMLTextHandle* handle : {&name, &value, &reserved1, &reserved2, &qualifiedName}) handle->slot = XMLTextHandle::kEmptySlot;
+  for (XMLTextHandle* handle : {&name, &value, &reserved1, &reserved2, &qualifiedName})
+    handle->slot = XMLTextHandle::kEmptySlot;
   nodeType = 0;
   parent = nullptr;
   savedDepth = -1;

@@ -6,9 +6,9 @@
 #include <pugixml.hpp>
 
 #include "core/byte_buffer.h"
-#include "xml/file_stream.h"
 #include "core/memory_hooks.h"
 #include "core/value_string.h"
+#include "xml/file_stream.h"
 #include "xml/xml_namespace_scope.h"
 
 namespace {
@@ -138,7 +138,8 @@ bool CXML::LoadStream(IStream* stream) {
   strings.SetLimit(budget > UINT32_MAX ? UINT32_MAX : static_cast<u32>(budget));
   // The parser takes several top-level elements; a document has one.
   u32 elements = 0;
-  for (pugi::xml_node node = parsed.first_child(); node; node = node.next_sibling()) elements += node.type() == pugi::node_element;
+  for (pugi::xml_node node = parsed.first_child(); node; node = node.next_sibling())
+    elements += node.type() == pugi::node_element;
   if (elements > 1) {
     error.Format("XML parse error %.8X at line 0, position 0: more than one top-level element", 0u);
     return false;

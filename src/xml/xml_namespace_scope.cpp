@@ -66,9 +66,7 @@ bool CXMLNamespaceScope::PushDefault(const char* uri) {
   return true;
 }
 
-const char* CXMLNamespaceScope::DefaultPrefix() const {
-  return defaults ? defaults->pair->prefix->Text() : "";
-}
+const char* CXMLNamespaceScope::DefaultPrefix() const { return defaults ? defaults->pair->prefix->Text() : ""; }
 
 void CXMLNamespaceScope::Restore(u32 depth, bool popDefault) {
   while (declaredCount > depth && declared) {

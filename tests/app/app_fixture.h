@@ -8,8 +8,8 @@
 #include "app/app_state.h"
 #include "app/game_selection.h"
 #include "app/worker.h"
-#include "platform/headless_window_system.h"
 #include "game_writers/pack_writer.h"
+#include "platform/headless_window_system.h"
 #include "support/temp_dir.h"
 
 // A per-user folder with digests and game installations in a temporary folder, and an application

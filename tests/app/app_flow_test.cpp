@@ -12,10 +12,10 @@
 #include "app/tick_timer.h"
 #include "app_fixture.h"
 #include "core/hash.h"
-#include "support/fbx_reader.h"
 #include "game_writers/model_writer.h"
 #include "game_writers/skinned_actor.h"
 #include "game_writers/xml_writer.h"
+#include "support/fbx_reader.h"
 
 namespace {
 
@@ -47,7 +47,8 @@ std::vector<std::vector<PackFileEntry>> GameFiles() {
   const std::string rig = gamewriters::BuildRigNetwork(gamewriters::NetworkWithSets({{7, hero.rig}}, {{"Idle", 7}}));
   const std::string spareRig = gamewriters::BuildRigNetwork(gamewriters::NetworkWithSets({{8, spare}}, {{"Spare", 8}}));
   gamewriters::PaletteDesc palette;
-  palette.materials = {{.definitionHash = HashExact("SkinnedMaterial")}, {.definitionHash = HashExact("SkinnedMaterial")}};
+  palette.materials = {{.definitionHash = HashExact("SkinnedMaterial")},
+                       {.definitionHash = HashExact("SkinnedMaterial")}};
   gamewriters::PaletteDesc unknown = palette;
   unknown.materials[1].definitionHash = 1;
   return {{{"materials_3.xml", hero.catalogue},
@@ -174,7 +175,8 @@ TEST(AppFlow, DiscoversLoadsListsSearchesAndConverts) {
     std::string error;
     ASSERT_TRUE(testsupport::ReadFbxBinary(gamewriters::ReadFileBytes(save.path), file, error)) << error;
     u32 bones = 0;
-    for (const auto& object : file.Record("Objects")->children) bones += object.name == "Model" && object.properties[2].bytes == "LimbNode";
+    for (const auto& object : file.Record("Objects")->children)
+      bones += object.name == "Model" && object.properties[2].bytes == "LimbNode";
     EXPECT_EQ(bones, c.bones);
   }
 }

@@ -28,7 +28,9 @@ struct NoQuestions : ISaveDialog, IRigDialog {
 int RefuseThread(pthread_t*, const pthread_attr_t*, void* (*)(void*), void*) { return EAGAIN; }
 
 std::vector<std::vector<gamewriters::PackFileEntry>> SmallGame() {
-  return {{{"materials_3.xml", "<Object class=\"MaterialDefinitionCollection\"/>"}, {"actors\\a.adr", ""}, {"actors\\b.adr", ""}}};
+  return {{{"materials_3.xml", "<Object class=\"MaterialDefinitionCollection\"/>"},
+           {"actors\\a.adr", ""},
+           {"actors\\b.adr", ""}}};
 }
 
 TEST(AppRequests, WithoutABoundWindowEveryRequestDoesNothing) {

@@ -9,8 +9,8 @@
 
 #include "app/batch_worker.h"
 #include "app/output_names.h"
-#include "export/build_export_scene.h"
 #include "app_fixture.h"
+#include "export/build_export_scene.h"
 #include "game_writers/sample_game.h"
 
 namespace {
@@ -25,7 +25,8 @@ FbxCreationTime FixedTime() { return {2026, 11, 24, 8, 0, 0, 0}; }
 std::map<std::string, std::string> Files(const std::string& dir) {
   std::map<std::string, std::string> files;
   for (const auto& entry : std::filesystem::recursive_directory_iterator(dir)) {
-    if (entry.is_regular_file()) files[std::filesystem::relative(entry.path(), dir).string()] = gamewriters::ReadFileBytes(entry.path());
+    if (entry.is_regular_file())
+      files[std::filesystem::relative(entry.path(), dir).string()] = gamewriters::ReadFileBytes(entry.path());
   }
   return files;
 }
@@ -75,7 +76,8 @@ class BatchConvert : public testing::Test {
   GameTables Tables() { return {app.state.packIndex, app.state.materials, app.state.rigs}; }
 
   BatchSummary Run(const std::string& out, u32 jobs, const std::string& rig, IBatchObserver* observer = nullptr) {
-    BatchSettings settings{.outDir = dir.Join(out), .jobs = jobs, .rig = rig, .convert = {.creationTime = FixedTime, .batch = true}};
+    BatchSettings settings{
+        .outDir = dir.Join(out), .jobs = jobs, .rig = rig, .convert = {.creationTime = FixedTime, .batch = true}};
     return RunBatch(Tables(), actors, settings, observer, stop, results);
   }
 
@@ -115,11 +117,13 @@ TEST_F(BatchConvert, WritesTheSingleConversionsFilesWhateverTheJobsAndKeepsEachF
     single.path = dir.Join("single.fbx");
     ChildIdle rig;
     ConvertOutcome outcome;
-    ConvertActor(Tables(), *actor.entry, actor.name.c_str(), {single, rig}, outcome, {.creationTime = FixedTime, .batch = true});
+    ConvertActor(Tables(), *actor.entry, actor.name.c_str(), {single, rig}, outcome,
+                 {.creationTime = FixedTime, .batch = true});
     ASSERT_TRUE(outcome.Written());
     const auto file = files.find(actor.output);
     ASSERT_NE(file, files.end()) << actor.output;
-    EXPECT_TRUE(file->second == gamewriters::ReadFileBytes(single.path)) << "the batch's file differs from the single conversion's";
+    EXPECT_TRUE(file->second == gamewriters::ReadFileBytes(single.path))
+        << "the batch's file differs from the single conversion's";
   }
 
   Run("one", 1, "ChildIdle");
@@ -132,9 +136,12 @@ TEST_F(BatchConvert, EachTextureIsDecodedOncePerBatchWhateverTheFormatAndEveryAc
     SCOPED_TRACE(glb ? "glb" : "fbx");
     TextureStore store(false);
     const std::string out = glb ? "textured_glb" : "textured";
-    BatchSettings settings{.outDir = dir.Join(out), .jobs = 2, .rig = "ChildIdle",
-                           .convert = {.creationTime = FixedTime, .batch = true, .textures = true,
-                                       .textureStore = &store, .format = format}};
+    BatchSettings settings{
+        .outDir = dir.Join(out),
+        .jobs = 2,
+        .rig = "ChildIdle",
+        .convert = {
+            .creationTime = FixedTime, .batch = true, .textures = true, .textureStore = &store, .format = format}};
     const BatchSummary summary = RunBatch(Tables(), actors, settings, nullptr, stop, results);
     EXPECT_EQ(summary.written, 10u + kCopies * 12u);
     // The sample game's actors name 13 images between them, each the diffuse texture of some mesh;

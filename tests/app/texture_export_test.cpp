@@ -1,8 +1,8 @@
 // Textures brought out with the model: PNG files beside it, each mesh's diffuse one on its
 // material, checked by our decoders, Assimp and Blender's importer.
-#include <assimp/Importer.hpp>
 #include <assimp/scene.h>
 #include <gtest/gtest.h>
+#include <assimp/Importer.hpp>
 
 #include <cstdio>
 #include <filesystem>
@@ -10,13 +10,13 @@
 #include <nlohmann/json.hpp>
 
 #include "app/convert_actor.h"
-#include "image/image_decode.h"
 #include "game_writers/image_writer.h"
 #include "game_writers/pack_writer.h"
-#include "support/shell_run.h"
 #include "game_writers/skinned_actor.h"
-#include "support/temp_dir.h"
 #include "game_writers/xml_writer.h"
+#include "image/image_decode.h"
+#include "support/shell_run.h"
+#include "support/temp_dir.h"
 
 namespace {
 
@@ -40,12 +40,14 @@ struct Answers : ISaveDialog, IRigDialog {
 class TextureExport : public testing::Test {
  public:
   void SetUp() override {
-    gamewriters::SkinnedActorDesc desc{.meshCount = 2, .gridSize = 2, .boneCount = 2, .semiTransparent = semiTransparent};
-    desc.textures = {{{"baseDiffuse", "tex\\corners.png"}, {"normalMap", "tex\\missing.dds"}, {"glow", "tex\\broken.png"}},
-                     {{"BaseDiffuse", "tex\\stone.dds"}}};
+    gamewriters::SkinnedActorDesc desc{
+        .meshCount = 2, .gridSize = 2, .boneCount = 2, .semiTransparent = semiTransparent};
+    desc.textures = {
+        {{"baseDiffuse", "tex\\corners.png"}, {"normalMap", "tex\\missing.dds"}, {"glow", "tex\\broken.png"}},
+        {{"BaseDiffuse", "tex\\stone.dds"}}};
     const gamewriters::SkinnedActor actor = gamewriters::BuildSkinnedActor(desc);
-    stoneDds = gamewriters::BuildDds(4, 2, {10, 20, 30, 255, 40, 50, 60, 255, 70, 80, 90, 255, 1, 2, 3, 4,
-                                            5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15, 16, 17, 18, 19, 20});
+    stoneDds = gamewriters::BuildDds(4, 2, {10, 20, 30, 255, 40, 50, 60, 255, 70, 80, 90, 255, 1,  2,  3,  4,
+                                            5,  6,  7,  8,   9,  10, 11, 12,  13, 14, 15, 16,  17, 18, 19, 20});
     const std::vector<gamewriters::PackFileEntry> files = {
         {"materials_3.xml", actor.catalogue},
         {"model.dmod", actor.model},
@@ -54,7 +56,8 @@ class TextureExport : public testing::Test {
         {"tex\\stone.dds", stoneDds},
         {"tex\\broken.png", "not an image"},
     };
-    ASSERT_TRUE(gamewriters::WriteFileBytes(dir.Join("assets_000.pack"), gamewriters::BuildPack({{gamewriters::PackChunk{files}}})));
+    ASSERT_TRUE(gamewriters::WriteFileBytes(dir.Join("assets_000.pack"),
+                                            gamewriters::BuildPack({{gamewriters::PackChunk{files}}})));
     ASSERT_TRUE(packs.Open(dir.Path().c_str()));
     CByteBuffer catalogue;
     ASSERT_TRUE(packs.FetchByName("materials_3.xml", catalogue));
@@ -148,7 +151,8 @@ TEST_F(TextureExport, AssimpFindsEachMeshsDiffuseTextureFile) {
     aiString file;
     ASSERT_EQ(material->GetTexture(aiTextureType_DIFFUSE, 0, &file), aiReturn_SUCCESS) << "mesh " << m;
     files.push_back(file.C_Str());
-    EXPECT_TRUE(std::filesystem::exists(dir.Join(file.C_Str())) || std::filesystem::exists(file.C_Str())) << file.C_Str();
+    EXPECT_TRUE(std::filesystem::exists(dir.Join(file.C_Str())) || std::filesystem::exists(file.C_Str()))
+        << file.C_Str();
   }
   std::sort(files.begin(), files.end());
   EXPECT_EQ(files, (std::vector<std::string>{"actor.fbm/tex/corners.png", "actor.fbm/tex/stone.png"}));
@@ -157,7 +161,8 @@ TEST_F(TextureExport, AssimpFindsEachMeshsDiffuseTextureFile) {
 // What Blender's importer makes of the file, as the probe script prints it.
 std::string BlenderProbe(const std::string& fbx) {
   const std::string command = "blender -b --factory-startup --python '" TARNWICK_TEST_SOURCE_DIR
-                              "/app/blender_texture_probe.py' -- '" + fbx + "' 2>/dev/null";
+                              "/app/blender_texture_probe.py' -- '" +
+                              fbx + "' 2>/dev/null";
   const std::string output = testsupport::RunShell(command).out;
   const size_t at = output.find("PROBE ");
   return at == std::string::npos ? output : output.substr(at + 6, output.find('\n', at) - at - 6);
@@ -169,11 +174,13 @@ TEST_F(TextureExport, BlenderShowsTheImagesRightWayUpOnTheirMeshes) {
   const std::string probe = BlenderProbe(out);
   // Vertex v lies at column v % 2, row v / 2 with UV (column, row): the game's (0, 0) is the
   // image's first row, so vertex 0 must show the top left red and vertex 3 the bottom right white.
-  const std::string corners = "\"samples\": {\"0\": [255, 0, 0, 255], \"1\": [0, 255, 0, 255], "
-                              "\"2\": [0, 0, 255, 255], \"3\": [255, 255, 255, 255]}";
+  const std::string corners =
+      "\"samples\": {\"0\": [255, 0, 0, 255], \"1\": [0, 255, 0, 255], "
+      "\"2\": [0, 0, 255, 255], \"3\": [255, 255, 255, 255]}";
   EXPECT_NE(probe.find(corners), std::string::npos) << probe;
-  EXPECT_NE(probe.find("\"exists\": true, \"path\": \"" + dir.Join("actor.fbm/tex/corners.png") + "\", \"size\": [2, 2]"),
-            std::string::npos)
+  EXPECT_NE(
+      probe.find("\"exists\": true, \"path\": \"" + dir.Join("actor.fbm/tex/corners.png") + "\", \"size\": [2, 2]"),
+      std::string::npos)
       << probe;
   EXPECT_NE(probe.find("\"exists\": true, \"path\": \"" + dir.Join("actor.fbm/tex/stone.png") + "\", \"size\": [4, 2]"),
             std::string::npos)
@@ -183,7 +190,8 @@ TEST_F(TextureExport, BlenderShowsTheImagesRightWayUpOnTheirMeshes) {
 // Blender's imports of `files`, one JSON object a file: each textured mesh's alpha link, blend
 // mode and image.
 std::map<std::string, nlohmann::json> OpacityProbe(const std::vector<std::string>& files) {
-  std::string command = "blender -b --factory-startup --python " TARNWICK_TEST_SOURCE_DIR "/app/blender_opacity_probe.py --";
+  std::string command =
+      "blender -b --factory-startup --python " TARNWICK_TEST_SOURCE_DIR "/app/blender_opacity_probe.py --";
   for (const std::string& file : files) command += " '" + file + "'";
   const testsupport::ShellRun run = testsupport::RunShell(command + " 2>/dev/null");
   std::map<std::string, nlohmann::json> probes;
@@ -215,8 +223,8 @@ void ExpectOpacity(TextureExport& test, const std::string& folder, bool seeThrou
       SCOPED_TRACE(name);
       EXPECT_EQ(mesh["alpha_linked"], seeThrough);
       EXPECT_EQ(mesh["blend"], seeThrough ? "BLEND" : "OPAQUE");
-      const std::vector<u8> source = mesh["rgb"].size() == 4 * 3 ? kCorners
-                                         : std::vector<u8>(stone.pixels.begin(), stone.pixels.end());
+      const std::vector<u8> source =
+          mesh["rgb"].size() == 4 * 3 ? kCorners : std::vector<u8>(stone.pixels.begin(), stone.pixels.end());
       ASSERT_EQ(mesh["rgb"].size() / 3, source.size() / 4);
       for (size_t p = 0; p < source.size() / 4; ++p) {
         for (size_t c = 0; c < 3; ++c) EXPECT_EQ(mesh["rgb"][3 * p + c], source[4 * p + c]) << "pixel " << p;

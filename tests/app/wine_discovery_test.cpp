@@ -7,8 +7,8 @@
 #include "app/open_game_folder.h"
 #include "app_fixture.h"
 #include "game_writers/skinned_actor.h"
-#include "support/wine_prefix.h"
 #include "game_writers/xml_writer.h"
+#include "support/wine_prefix.h"
 
 namespace {
 

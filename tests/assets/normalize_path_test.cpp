@@ -6,8 +6,12 @@ namespace {
 
 TEST(NormalizePath, FoldsSeparatorRunsAndNothingElse) {
   constexpr const char* kCases[][2] = {
-      {"C:/Games//Foo/", "C:\\Games\\Foo"}, {"//", ""}, {"", ""}, {"a/./b/../c", "a\\.\\b\\..\\c"},
-      {"\\\\host\\share", "\\host\\share"}, {"MiXeD\\/Case\\", "MiXeD\\Case"},
+      {"C:/Games//Foo/", "C:\\Games\\Foo"},
+      {"//", ""},
+      {"", ""},
+      {"a/./b/../c", "a\\.\\b\\..\\c"},
+      {"\\\\host\\share", "\\host\\share"},
+      {"MiXeD\\/Case\\", "MiXeD\\Case"},
   };
   for (const auto& [in, out] : kCases) {
     TStringBufferA<261> buffer;

@@ -5,8 +5,8 @@
 #include <string>
 #include <vector>
 
-#include "support/allocation_failure.h"
 #include "game_writers/pack_writer.h"
+#include "support/allocation_failure.h"
 #include "support/temp_dir.h"
 
 namespace {
@@ -71,8 +71,11 @@ TEST_F(PackIndexTest, FirstOccurrencePlacesLastOccurrenceDecides) {
 }
 
 TEST_F(PackIndexTest, FetchAndLookup) {
-  PackLayout layout = SingleChunkPack(
-      {{"Chars\\Hero.adr", "hero"}, {"empty.bin", ""}, {"past end", "data"}, {"high offset", "x"}, {"odd reserved", "r"}});
+  PackLayout layout = SingleChunkPack({{"Chars\\Hero.adr", "hero"},
+                                       {"empty.bin", ""},
+                                       {"past end", "data"},
+                                       {"high offset", "x"},
+                                       {"odd reserved", "r"}});
   layout.chunks[0].entries[2].dataSize = 1000;
   layout.chunks[0].entries[3].dataOffset = 0x80000000;
   layout.chunks[0].entries[4].reserved = 0xFFFFFFFF;
@@ -84,9 +87,8 @@ TEST_F(PackIndexTest, FetchAndLookup) {
     const char* bytes;
   };
   const Case cases[] = {
-      {"Chars\\Hero.adr", "hero"}, {"chars\\hero.adr", "<failed>"}, {"Chars/Hero.adr", "<failed>"},
-      {"empty.bin", ""},           {"past end", "<failed>"},        {"high offset", "<failed>"},
-      {"odd reserved", "r"},
+      {"Chars\\Hero.adr", "hero"}, {"chars\\hero.adr", "<failed>"}, {"Chars/Hero.adr", "<failed>"}, {"empty.bin", ""},
+      {"past end", "<failed>"},    {"high offset", "<failed>"},     {"odd reserved", "r"},
   };
   for (const Case& c : cases) EXPECT_EQ(Fetch(index, c.name), c.bytes) << c.name;
 
@@ -122,7 +124,8 @@ TEST_F(PackIndexTest, BrokenDirectoriesEmptyTheWholeIndex) {
   PackLayout overlapping;
   const u32 records = 4096;
   for (u32 j = 0; j < records; ++j) {
-    overlapping.chunks.push_back({.at = 16 * j, .nextChunk = j + 1 < records ? 16 * (j + 1) : 0, .entryCount = records / 2});
+    overlapping.chunks.push_back(
+        {.at = 16 * j, .nextChunk = j + 1 < records ? 16 * (j + 1) : 0, .entryCount = records / 2});
   }
   overlapping.chunks.push_back({.at = 16 * records * 2});
   const std::pair<const char*, PackLayout> cases[] = {

@@ -8,9 +8,9 @@
 #include <string_view>
 #include <vector>
 
+#include "app/rig_choice.h"
 #include "assets/pack_index.h"
 #include "core/hash.h"
-#include "app/rig_choice.h"
 #include "fbx/convert_state.h"
 #include "fbx/export_fixture.h"
 #include "support/fbx_reader.h"

@@ -26,10 +26,16 @@ TEST(WildcardMatch, Patterns) {
       {"abXbc", "a*bc", true},
       {"chars\\Sword_01.adr", "*sword*", true},
       {"Char\\sWORD.ADR", "*SwOrD*", true},
-      {"\xC3\xA9t\xC3\xA9", "?t?", true},        // one character, two bytes
+      {"\xC3\xA9t\xC3\xA9", "?t?", true},                 // one character, two bytes
       {"\xC3\x89T\xC3\x89", "\xC3\xA9t\xC3\xA9", false},  // only ASCII letters fold
-      {"a\xFF" "b", "a?b", true},                // a bad byte is one U+FFFD
-      {"a\xFF" "b", "a\xFE" "b", true},          // and equals any other bad sequence
+      {"a\xFF"
+       "b",
+       "a?b", true},  // a bad byte is one U+FFFD
+      {"a\xFF"
+       "b",
+       "a\xFE"
+       "b",
+       true},  // and equals any other bad sequence
       {"12", "##", true},
   };
   for (const Case& c : kCases) {

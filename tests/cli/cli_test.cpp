@@ -10,11 +10,11 @@
 #include "game_writers/pack_writer.h"
 #include "game_writers/rig_writer.h"
 #include "game_writers/sample_game.h"
-#include "support/shell_run.h"
 #include "game_writers/skinned_actor.h"
+#include "game_writers/xml_writer.h"
+#include "support/shell_run.h"
 #include "support/temp_dir.h"
 #include "support/wine_prefix.h"
-#include "game_writers/xml_writer.h"
 
 namespace {
 
@@ -31,7 +31,8 @@ CliRun Cli(const std::string& arguments, bool errors = false, const std::string&
 
 std::vector<std::string> Lines(const std::string& text) {
   std::vector<std::string> lines;
-  for (size_t at = 0, end; (end = text.find('\n', at)) != std::string::npos; at = end + 1) lines.push_back(text.substr(at, end - at));
+  for (size_t at = 0, end; (end = text.find('\n', at)) != std::string::npos; at = end + 1)
+    lines.push_back(text.substr(at, end - at));
   return lines;
 }
 
@@ -91,7 +92,8 @@ std::string FailingGame(const testsupport::TempDir& dir) {
   const std::vector<gamewriters::PackFileEntry> files = {
       {"materials_3.xml", hero.catalogue},
       {"models\\hero.dmod", hero.model},
-      {"hero.mrn", gamewriters::BuildRigNetwork(gamewriters::NetworkWithSets({{1, hero.rig}, {2, clash}}, {{"Idle", 1}, {"Clash", 2}}))},
+      {"hero.mrn", gamewriters::BuildRigNetwork(
+                       gamewriters::NetworkWithSets({{1, hero.rig}, {2, clash}}, {{"Idle", 1}, {"Clash", 2}}))},
       {"palettes\\unknown.dmat", gamewriters::BuildPalette(unknown)},
       {"actors\\hero.adr", actor("models\\hero.dmod", "", "Idle")},
       {"actors\\broken.adr", "<ActorRuntime"},
@@ -160,7 +162,8 @@ TEST(Cli, BatchConvertSummarisesAndExitsByWhatWasWritten) {
   EXPECT_EQ(lines[8].substr(0, 19), "Converted 8 actors ");
   EXPECT_EQ(lines[8].substr(lines[8].find(':')), ": 1 written, 7 failed, 0 skipped.");
   EXPECT_EQ(lines[9], "Failed:");
-  EXPECT_EQ(lines[10], "  actors\\bad_mesh.adr: Failed to convert mesh.") << "the list's order, the line without its end";
+  EXPECT_EQ(lines[10], "  actors\\bad_mesh.adr: Failed to convert mesh.")
+      << "the list's order, the line without its end";
   EXPECT_EQ(lines[16], "  actors\\no_palette.adr: Error reading \"palettes\\none.dmat\".");
   EXPECT_TRUE(std::filesystem::exists(out + "/actors/hero.fbx"));
 
@@ -199,8 +202,8 @@ TEST(Cli, EveryCommandOpensAGameFolderAsTheWindowDoesAndExitsByOneMeaning) {
   std::filesystem::create_directories(empty);
   const CliRun refused = Cli("--game-dir '" + empty + "' list", true);
   EXPECT_EQ(refused.status, 2);
-  EXPECT_EQ(Lines(refused.out), std::vector<std::string>{"No game in " + empty +
-                                                         ": it holds no Resources/Assets/assets_000.pack"})
+  EXPECT_EQ(Lines(refused.out),
+            std::vector<std::string>{"No game in " + empty + ": it holds no Resources/Assets/assets_000.pack"})
       << "the window's line, and no game opened in its place";
 
   const std::string out = dir.Join("out");
@@ -211,8 +214,8 @@ TEST(Cli, EveryCommandOpensAGameFolderAsTheWindowDoesAndExitsByOneMeaning) {
   const Case openings[] = {
       {folder, 0},
       {"--data-dir '" + layout.userData + "' ", 0},
-      {"--game-dir '" + empty + "' ", 2},                      // a folder that holds no game
-      {"--data-dir '" + empty + "' ", 2},                      // no game found
+      {"--game-dir '" + empty + "' ", 2},                           // a folder that holds no game
+      {"--data-dir '" + empty + "' ", 2},                           // no game found
       {"--data-dir '" + layout.userData + "' --game Nowhere ", 2},  // no such game
   };
   const std::pair<std::string, int> commands[] = {

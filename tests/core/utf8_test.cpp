@@ -27,7 +27,11 @@ TEST(Utf8, BothDirectionsReplaceIllFormedText) {
     EXPECT_EQ(ToWide(narrow), wide);
   }
   EXPECT_EQ(ToNarrow(u"a\xD800z"), "a\xEF\xBF\xBDz") << "lone surrogate";
-  EXPECT_EQ(ToWide("\xC3" "A"), u"\xFFFD" "A") << "missing continuation";
+  EXPECT_EQ(ToWide("\xC3"
+                   "A"),
+            u"\xFFFD"
+            "A")
+      << "missing continuation";
   EXPECT_EQ(ToWide("\xC0\xAF"), u"\xFFFD\xFFFD") << "overlong";
   EXPECT_EQ(ToWide("\xED\xA0\x80"), u"\xFFFD") << "encoded surrogate";
   EXPECT_EQ(ToWide("\xF4\x90\x80\x80"), u"\xFFFD") << "past U+10FFFF";
@@ -48,16 +52,18 @@ TEST(DecodeUtf8, Sequences) {
       {"A", 'A', 1},
       {"", 0, 1},
       {"\xC3\xA9", 0xE9, 2},
-      {"\xC3" "A", 0xFFFD, 1},
-      {"\xED\xA0\x80", 0xFFFD, 3},             // a surrogate
+      {"\xC3"
+       "A",
+       0xFFFD, 1},
+      {"\xED\xA0\x80", 0xFFFD, 3},  // a surrogate
       {"\xF0\x9F\x98\x80", 0x1F600, 4},
-      {"\xF8\x88\x80\x80\x80", 0x200000, 5},   // five bytes are taken
+      {"\xF8\x88\x80\x80\x80", 0x200000, 5},  // five bytes are taken
       {"\xFC\x84\x80\x80\x80\x80", 0x4000000, 6},
-      {"\xC0\x80", 0xFFFD, 2},                 // overlong
-      {"\xE0\x80\xAF", 0xFFFD, 3},             // overlong
+      {"\xC0\x80", 0xFFFD, 2},      // overlong
+      {"\xE0\x80\xAF", 0xFFFD, 3},  // overlong
       {"\x80", 0xFFFD, 1},
       {"\xFE", 0xFFFD, 1},
-      {"\xE2\x82", 0xFFFD, 2},                 // ends at the NUL
+      {"\xE2\x82", 0xFFFD, 2},  // ends at the NUL
   };
   for (const Case& c : kCases) {
     u32 size = 99;

@@ -1,7 +1,7 @@
-#include <assimp/Importer.hpp>
 #include <assimp/postprocess.h>
 #include <assimp/scene.h>
 #include <gtest/gtest.h>
+#include <assimp/Importer.hpp>
 
 #include <map>
 #include <set>

@@ -16,9 +16,9 @@
 namespace {
 
 using exporttest::LoadedActor;
+using gamewriters::SkinnedActorDesc;
 using testsupport::FbxReadFile;
 using testsupport::FbxReadRecord;
-using gamewriters::SkinnedActorDesc;
 
 // A written file by object: records by id, names, and the OO links from child to parents.
 struct Scene {
@@ -30,7 +30,8 @@ struct Scene {
   void Load(const std::string& bytes) {
     std::string error;
     ASSERT_TRUE(ReadFbxBinary(bytes, file, error)) << error;
-    for (const FbxReadRecord& object : file.Record("Objects")->children) objects[object.properties[0].integer] = &object;
+    for (const FbxReadRecord& object : file.Record("Objects")->children)
+      objects[object.properties[0].integer] = &object;
     for (const FbxReadRecord& link : file.Record("Connections")->children) {
       links.emplace_back(link.properties[1].integer, link.properties[2].integer);
       parents.emplace(link.properties[1].integer, link.properties[2].integer);
@@ -94,7 +95,8 @@ std::vector<FbxAMatrix> DirectGlobals(const gamewriters::RigLayout& rig) {
     if (done[i]) return;
     const auto& bone = rig.bones[i];
     const auto& q = bone.rotation;
-    const double length = std::sqrt(double(q[0]) * q[0] + double(q[1]) * q[1] + double(q[2]) * q[2] + double(q[3]) * q[3]);
+    const double length =
+        std::sqrt(double(q[0]) * q[0] + double(q[1]) * q[1] + double(q[2]) * q[2] + double(q[3]) * q[3]);
     const double x = q[0] / length, y = q[1] / length, z = q[2] / length, w = q[3] / length;
     FbxAMatrix local;
     const double r[3][3] = {{1 - 2 * (y * y + z * z), 2 * (x * y - z * w), 2 * (x * z + y * w)},
@@ -175,7 +177,8 @@ TEST(ExportRoundTrip, SkinnedActorValueByValue) {
     boneOfModel[scene.Id(model)] = b;
     const FbxDouble3 t = Vector(*model, "Lcl Translation", {});
     EXPECT_EQ(t, (FbxDouble3{bone.translation[0], bone.translation[1], bone.translation[2]}));
-    const int64_t parent = bone.parent < 0 ? scene.Id(root) : scene.Id(scene.Find("Model", loaded.files.rig.bones[bone.parent].name));
+    const int64_t parent =
+        bone.parent < 0 ? scene.Id(root) : scene.Id(scene.Find("Model", loaded.files.rig.bones[bone.parent].name));
     EXPECT_EQ(scene.ParentModel(scene.Id(model)), parent);
     ExpectNear(FileGlobal(scene, scene.Id(model)), direct[b], "global from Lcl");
     const FbxReadRecord& poseNode = pose->children[4 + b];  // Type, Version, NbPoseNodes, the root
@@ -225,8 +228,8 @@ TEST(ExportRoundTrip, SkinnedActorValueByValue) {
     }
     const auto& polygons = geometry->Child("PolygonVertexIndex")->properties[0].integers;
     ASSERT_EQ(polygons.size(), 6u * (desc.gridSize - 1) * (desc.gridSize - 1));
-    EXPECT_EQ(std::vector<int64_t>(polygons.begin(), polygons.begin() + 6),
-              (std::vector<int64_t>{0, 3, ~1, 3, 4, ~1})) << "0 1 3 and 3 1 4 with their winding reversed";
+    EXPECT_EQ(std::vector<int64_t>(polygons.begin(), polygons.begin() + 6), (std::vector<int64_t>{0, 3, ~1, 3, 4, ~1}))
+        << "0 1 3 and 3 1 4 with their winding reversed";
 
     const std::vector<int64_t> skins = scene.Into(scene.Id(geometry), "Deformer");
     ASSERT_EQ(skins.size(), 1u);
@@ -295,8 +298,8 @@ TEST(ExportRoundTrip, SameBytesFromRunToRunWithAFixedClock) {
 namespace {
 
 TEST(FileStem, CutsFoldersAndTheLastExtension) {
-  const std::pair<const char*, const char*> cases[] = {{"a/b.adr", "b"}, {"a\\b/c.adr", "c"},    {"a.b/c", "c"},
-                                                       {"", ""},         {"foo\\bar.baz.adr", "bar.baz"}, {"bar", "bar"}};
+  const std::pair<const char*, const char*> cases[] = {
+      {"a/b.adr", "b"}, {"a\\b/c.adr", "c"}, {"a.b/c", "c"}, {"", ""}, {"foo\\bar.baz.adr", "bar.baz"}, {"bar", "bar"}};
   for (const auto& [text, stem] : cases) {
     TStringBufferA<8> out;
     FileStem(text, out);
@@ -325,7 +328,8 @@ TEST(ExportFailures, EndWithTheirResultAndNoFile) {
   EXPECT_FALSE(exporttest::Convert(loaded, save, rigs, &outcome));
   EXPECT_EQ(testing::internal::GetCapturedStdout(),
             "Call to FbxExporter::Initialize() failed.\n"
-            "Error returned: Cannot create file \"" + save.path + "\": No such file or directory\n\n");
+            "Error returned: Cannot create file \"" +
+                save.path + "\": No such file or directory\n\n");
   EXPECT_EQ(outcome.result, ConvertResult::kWriteFailed);
   EXPECT_EQ(outcome.logLine.Text(), "Failed to write \"" + save.path + "\".");
   EXPECT_TRUE(std::filesystem::is_empty(dir.Path())) << "nothing written, not even a temporary";

@@ -49,9 +49,11 @@ TEST(FbxBinaryWriter, PinnedBytes) {
   ASSERT_TRUE(name->AddDoubles(pair, 2));
   const std::string file = Write(document);
 
-  EXPECT_EQ(Hex(file.substr(0, 27)), "4B 61 79 64 61 72 61 20 46 42 58 20 42 69 6E 61 72 79 20 20 00 1A 00 20 1C 00 00");
+  EXPECT_EQ(Hex(file.substr(0, 27)),
+            "4B 61 79 64 61 72 61 20 46 42 58 20 42 69 6E 61 72 79 20 20 00 1A 00 20 1C 00 00");
   // EndOffset 27 + 13 + 10 + 5 = 55 (0x37), one property of 5 bytes, name, 'I' 7200.
-  EXPECT_EQ(Hex(file.substr(27, 28)), "37 00 00 00 01 00 00 00 05 00 00 00 0A 46 42 58 56 65 72 73 69 6F 6E 49 20 1C 00 00");
+  EXPECT_EQ(Hex(file.substr(27, 28)),
+            "37 00 00 00 01 00 00 00 05 00 00 00 0A 46 42 58 56 65 72 73 69 6F 6E 49 20 1C 00 00");
   EXPECT_EQ(Hex(file.substr(55 + 14, 16)), "53 0B 00 00 00 43 75 62 65 00 01 4D 6F 64 65 6C");
   EXPECT_EQ(Hex(file.substr(55 + 30, 29)),
             "64 02 00 00 00 00 00 00 00 10 00 00 00 00 00 00 00 00 00 F0 3F 00 00 00 00 00 00 E0 3F");

@@ -46,8 +46,9 @@ TEST(FbxDocument, SectionsOfAnEmptySceneInOrderAndReproducible) {
   ASSERT_TRUE(testsupport::ReadFbxBinary(file, read, error)) << error;
   std::vector<std::string> names;
   for (const FbxReadRecord& record : read.records) names.push_back(record.name);
-  EXPECT_EQ(names, (std::vector<std::string>{"FBXHeaderExtension", "FileId", "CreationTime", "Creator", "GlobalSettings",
-                                             "Documents", "References", "Definitions", "Objects", "Connections", "Takes"}));
+  EXPECT_EQ(names,
+            (std::vector<std::string>{"FBXHeaderExtension", "FileId", "CreationTime", "Creator", "GlobalSettings",
+                                      "Documents", "References", "Definitions", "Objects", "Connections", "Takes"}));
   EXPECT_EQ(read.Record("CreationTime")->properties[0].bytes, "2026-11-23 09:05:07:042");
   u8 id[16];
   FbxFileId("2026-11-23 09:05:07:042", id);

@@ -31,8 +31,9 @@ TEST(FbxMath, EulerAnglesReproduceQuaternionChains) {
   for (int i = 0; i < 200; ++i) rotations.push_back({unit(random), unit(random), unit(random), unit(random) * 1.01});
   // Gimbal lock both ways, a half turn, the identity, and a quaternion a little off unit length.
   const f64 h = std::sqrt(0.5);
-  for (const FbxQuaternion& q : {FbxQuaternion{0, h, 0, h}, FbxQuaternion{0, -h, 0, h}, FbxQuaternion{1, 0, 0, 0},
-                                 FbxQuaternion{0, 0, 0, 1}, FbxQuaternion{0.5, 0.2, 0.1, 0.9}, FbxQuaternion{0.3, h, -0.3, h}}) {
+  for (const FbxQuaternion& q :
+       {FbxQuaternion{0, h, 0, h}, FbxQuaternion{0, -h, 0, h}, FbxQuaternion{1, 0, 0, 0}, FbxQuaternion{0, 0, 0, 1},
+        FbxQuaternion{0.5, 0.2, 0.1, 0.9}, FbxQuaternion{0.3, h, -0.3, h}}) {
     rotations.push_back(q);
   }
   FbxAMatrix fromQuaternions;

@@ -3,12 +3,12 @@
 #include <string>
 #include <vector>
 
-#include "core/hash.h"
 #include "app/rig_choice.h"
-#include "export_fixture.h"
+#include "core/hash.h"
 #include "export/scene_skeleton.h"
-#include "fbx/setup_rig.h"
+#include "export_fixture.h"
 #include "fbx/sdk/fbx_skeleton.h"
+#include "fbx/setup_rig.h"
 
 namespace {
 
@@ -35,8 +35,8 @@ struct RigChoice : testing::Test {
   std::string Chosen() {
     ExportScene scene;
     TArray<u32> modelToRig;
-    EXPECT_TRUE(BuildSceneSkeleton(scene, loaded.model, PickRig(loaded.actor, loaded.model, loaded.rigs, dialog),
-                                   modelToRig));
+    EXPECT_TRUE(
+        BuildSceneSkeleton(scene, loaded.model, PickRig(loaded.actor, loaded.model, loaded.rigs, dialog), modelToRig));
     ConvertState state;
     EXPECT_TRUE(::Setup(state));
     EXPECT_TRUE(SetupRig(state, scene));
@@ -52,8 +52,9 @@ TEST_F(RigChoice, BorrowedSkeletonsAskOnlyWhenSeveralFit) {
   loaded.AddNetwork("wide", NetworkWithSets({{2, Rig({"wide", "bone_1", "bone_0", "extra"})}}, {{"Wide", 2}}));
   EXPECT_EQ(Chosen(), "wide") << "one rig with more bones fits, without a question";
   EXPECT_TRUE(dialog.shown.empty());
-  loaded.AddNetwork("pair", NetworkWithSets({{3, Rig({"unnamed", "bone_0", "bone_1"})}, {4, Rig({"named", "bone_1", "bone_0"})}},
-                                            {{"Walk", 4}}));
+  loaded.AddNetwork(
+      "pair", NetworkWithSets({{3, Rig({"unnamed", "bone_0", "bone_1"})}, {4, Rig({"named", "bone_1", "bone_0"})}},
+                              {{"Walk", 4}}));
   dialog.pick = "Walk";
   EXPECT_EQ(Chosen(), "named");
   EXPECT_EQ(dialog.shown, (std::vector<std::string>{"Wide", "", "Walk"})) << "table order, a rig without a set unnamed";

@@ -8,8 +8,8 @@
 #include <string>
 
 #include "core/hash.h"
-#include "support/allocation_failure.h"
 #include "game_writers/model_writer.h"
+#include "support/allocation_failure.h"
 
 namespace {
 
@@ -27,7 +27,9 @@ struct ExactBytes {
   CByteBuffer buffer{1};
 };
 
-std::string Text(const u8* data, u32 size) { return size ? std::string(reinterpret_cast<const char*>(data), size) : ""; }
+std::string Text(const u8* data, u32 size) {
+  return size ? std::string(reinterpret_cast<const char*>(data), size) : "";
+}
 
 bool ReadPalette(ModelMaterials& materials, const std::string& bytes) {
   ExactBytes file(bytes);
@@ -67,8 +69,14 @@ ModelDesc Describe(const ModelFile& model) {
     EXPECT_TRUE(std::equal(m.bounds, m.bounds + 6, model.bounds));
     EXPECT_EQ(u64(m.indexDataSize), u64(m.bytesPerIndex) * m.indexCount);
     EXPECT_EQ(m.indexData.Size(), m.indexDataSize);
-    desc.meshes.push_back({m.firstDrawCall, m.drawCallCount, m.bonePaletteSize, m.reserved, m.bytesPerIndex,
-                           m.vertexCount, {}, Text(m.indexData.Data(), m.indexDataSize)});
+    desc.meshes.push_back({m.firstDrawCall,
+                           m.drawCallCount,
+                           m.bonePaletteSize,
+                           m.reserved,
+                           m.bytesPerIndex,
+                           m.vertexCount,
+                           {},
+                           Text(m.indexData.Data(), m.indexDataSize)});
     for (u32 s = 0; s < m.streams.Count(); ++s) {
       const MeshStream& stream = m.streams[s];
       EXPECT_EQ(stream.index, s);
@@ -109,12 +117,15 @@ TEST(ModelFile, WellFormedFilesReadAsWritten) {
       {"no material chunk", variant([](ModelDesc& d) { d.materials.reset(); })},
       {"bone count 0 ends the file whatever the map says", variant([](ModelDesc& d) { d.bones.clear(); })},
       {"bytes after the last block", variant([](ModelDesc& d) { d.trailing = "ignored"; })},
-      {"names ending in two NULs", variant([](ModelDesc& d) { d.materials = PaletteDesc{.names = {"a", ""}}; })},
+      {"names ending in two NULs", variant([](ModelDesc& d) {
+         d.materials = PaletteDesc{.names = {"a", ""}};
+       })},
       {"one empty name, no materials", variant([](ModelDesc& d) { d.materials = PaletteDesc{.names = {""}}; })},
       {"empty chunk", variant([](ModelDesc& d) { d.materials = PaletteDesc{}; })},
       {"nothing at all", ModelDesc{}},
-      {"four-byte indices, three streams",
-       variant([](ModelDesc& d) { d.meshes = {gamewriters::PatternMesh(300, {4, 40, 1}, 4, 900)}; })},
+      {"four-byte indices, three streams", variant([](ModelDesc& d) {
+         d.meshes = {gamewriters::PatternMesh(300, {4, 40, 1}, 4, 900)};
+       })},
   };
   for (const auto& [what, desc] : cases) {
     SCOPED_TRACE(what);
@@ -170,7 +181,8 @@ TEST(ModelFile, MalformedFilesFail) {
       {"mesh count", [](ModelDesc& d) { d.meshCount = 0x08000000; }, {}},
       {"stream count", [](ModelDesc& d) { d.meshes[0].streamCount = 0x40000000; }, {}},
       {"stride times vertices",
-       [](ModelDesc& d) { d.meshes[0] = {.vertexCount = 0x10000, .streams = {{.stride = 0x10000}}}; }, {}},
+       [](ModelDesc& d) { d.meshes[0] = {.vertexCount = 0x10000, .streams = {{.stride = 0x10000}}}; },
+       {}},
       {"bytes per index times indices", [](ModelDesc& d) { d.meshes[1].indexCount = 0x40000000; }, {}},
       {"draw call count", [](ModelDesc& d) { d.drawCallCount = 0x40000000; }, {}},
       {"bone map count", [](ModelDesc& d) { d.boneMapCount = 0x40000000; }, {}},

@@ -8,8 +8,8 @@
 #include <utility>
 #include <vector>
 
-#include "support/allocation_failure.h"
 #include "game_writers/rig_writer.h"
+#include "support/allocation_failure.h"
 
 namespace {
 
@@ -18,9 +18,9 @@ using gamewriters::BuildRigNetwork;
 using gamewriters::LookupLayout;
 using gamewriters::NetworkLayout;
 using gamewriters::RigFileChunk;
+using gamewriters::RigLayout;
 using gamewriters::RigNetworkChunks;
 using gamewriters::RigNetworkLayout;
-using gamewriters::RigLayout;
 
 // Granule 1: the buffer ends exactly where the bytes do, so any overread reaches the sanitizer.
 CByteBuffer Bytes(const std::string& bytes) {
@@ -54,7 +54,9 @@ RigLayout Chain(const std::string& prefix, u32 count) {
   RigLayout rig;
   for (u32 i = 0; i < count; ++i) {
     const f32 f = f32(i);
-    rig.bones.push_back({.name = prefix + std::to_string(i), .parent = i32(i) - 1, .translation = {f, f + 0.5f, -f, 1},
+    rig.bones.push_back({.name = prefix + std::to_string(i),
+                         .parent = i32(i) - 1,
+                         .translation = {f, f + 0.5f, -f, 1},
                          .rotation = {0, f / 8, 0, 1}});
   }
   return rig;
@@ -73,11 +75,12 @@ RigNetworkLayout FullNetwork() {
   NetworkLayout network;
   network.nodeNames = {"root", "hidden", "marked"};
   network.tableNames = {{"table_a", "table_b"}};
-  network.nodes.push_back({.typeId = 40,
-                           .flags = 0x04,
-                           .nameIndex = 0,
-                           .attributeWords = {0, 7, 0, 9, 0, 7},
-                           .lookups = {{.typeId = 41, .setStride = 1, .slot = 0}, {.typeId = 40, .setStride = 2, .slot = 1}}});
+  network.nodes.push_back(
+      {.typeId = 40,
+       .flags = 0x04,
+       .nameIndex = 0,
+       .attributeWords = {0, 7, 0, 9, 0, 7},
+       .lookups = {{.typeId = 41, .setStride = 1, .slot = 0}, {.typeId = 40, .setStride = 2, .slot = 1}}});
   network.nodes.push_back({.typeId = 41, .flags = 0x01, .nameIndex = 1});
   network.nodes.push_back({.typeId = 42, .flags = 0x05, .nameIndex = 2});
   layout.network = network;
@@ -110,16 +113,21 @@ TEST(RigNetworkTest, ReadsWhatWasWritten) {
        {7, 7, 7},
        {"root", "marked"}},
       {"definition without sets still names", [](RigNetworkLayout& s) { s.animSets.reset(); }, {}, {"root", "marked"}},
-      {"sets without definition give no names",
-       [](RigNetworkLayout& s) { s.network.reset(); },
+      {"sets without definition give no names", [](RigNetworkLayout& s) { s.network.reset(); }, {}, {}},
+      {"no nodes position: no flagged names",
+       [](RigNetworkLayout& s) {
+         s.network->nodesPosition = 0;
+         s.animSets.reset();
+       },
        {},
        {}},
-      {"no nodes position: no flagged names", [](RigNetworkLayout& s) { s.network->nodesPosition = 0; s.animSets.reset(); }, {}, {}},
       {"fewer flagged nodes than counted leave empty names",
        [](RigNetworkLayout& s) { s.network->flaggedNodeCount = 3; },
        {7, 9, 7},
        {"root", "marked", ""}},
-      {"bone names past the table's count", [](RigNetworkLayout& s) { s.rigs[0].rig.nameCount = 1; }, {7, 9, 7},
+      {"bone names past the table's count",
+       [](RigNetworkLayout& s) { s.rigs[0].rig.nameCount = 1; },
+       {7, 9, 7},
        {"root", "marked"}},
       {"empty rig, unaligned chunks",
        [](RigNetworkLayout& s) {
@@ -167,7 +175,8 @@ TEST(RigNetworkTest, ReadsWhatWasWritten) {
     if (!c.setIds.empty()) {
       EXPECT_EQ(setNames, *layout.animSets);
     }
-    const std::vector<std::string> tableNames = layout.network ? *layout.network->tableNames : std::vector<std::string>{};
+    const std::vector<std::string> tableNames =
+        layout.network ? *layout.network->tableNames : std::vector<std::string>{};
     EXPECT_EQ(Texts(network.tableNames), tableNames);
     EXPECT_EQ(Texts(network.flaggedNodeNames), c.flagged);
   }
@@ -194,7 +203,10 @@ TEST(RigNetworkTest, WalksChunksAsLaidOut) {
       {"first header alone", alone, true, {}},
       {"trailing bytes too few for a header", alone + std::string(39, '\x01'), true, {}},
       {"dataSize 5 takes 8 bytes", BuildRigFile({other, rigChunk}), true, {5}},
-      {"alignment 16 moves data at 40 to 48", BuildRigFile({{.type = 1, .id = 6, .data = rig, .alignment = 16}}), true, {6}},
+      {"alignment 16 moves data at 40 to 48",
+       BuildRigFile({{.type = 1, .id = 6, .data = rig, .alignment = 16}}),
+       true,
+       {6}},
       {"alignment 0 adds nothing", BuildRigFile({rigChunk}), true, {5}},
       {"other type past the end is walked into", overlong, true, {5}},
       {"copied type past the end", copiedOverlong, false, {}},

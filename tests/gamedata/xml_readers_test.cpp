@@ -4,10 +4,10 @@
 #include <string>
 
 #include "core/hash.h"
+#include "game_writers/xml_writer.h"
 #include "gamedata/actor_definition.h"
 #include "gamedata/material_definitions.h"
 #include "support/allocation_failure.h"
-#include "game_writers/xml_writer.h"
 
 namespace {
 
@@ -46,14 +46,20 @@ void CheckCatalogue(const MaterialDefinitionSet& set) {
 
 CatalogueXml SampleCatalogue() {
   CatalogueXml c;
-  c.layouts.push_back({"Skinned", {{"Float3", "Position"}, {"Udec3", "Normal"}, {"Float2", "Texcoord"},
-                                   {"Ubyte4", "BlendIndices", "2"}, {"Float16_2", "TEXCOORD", "2", "1"}}});
+  c.layouts.push_back({"Skinned",
+                       {{"Float3", "Position"},
+                        {"Udec3", "Normal"},
+                        {"Float2", "Texcoord"},
+                        {"Ubyte4", "BlendIndices", "2"},
+                        {"Float16_2", "TEXCOORD", "2", "1"}}});
   c.layouts.push_back({"Wide", {{"Float4", "Position"}, {"Float4", "Color"}}});
   c.layouts.push_back({"FOO", {{"Float1", "Fog"}}});
   c.layouts.push_back({"Foo", {{"Float2", "Fog"}}});  // one hash with FOO: the later replaces it
   c.layouts.push_back({"NoEntries", {{"Float1", "Fog", {}, {}, "NotAnEntry"}}});
   c.layouts.push_back({"NoType", {{{}, "Position"}}});
-  c.definitions.push_back({"Normal", {}, std::vector<DrawStyleXml>{{"shadow", "Wide"}, {"Normal", "Skinned"}},
+  c.definitions.push_back({"Normal",
+                           {},
+                           std::vector<DrawStyleXml>{{"shadow", "Wide"}, {"Normal", "Skinned"}},
                            std::vector<std::string>{"skinned", "RigidSkinned", "Shiny"}});
   c.definitions.push_back({"normal", "glass", std::vector<DrawStyleXml>{{"a", "Skinned"}, {"b", "Wide"}}, {}});
   c.definitions.push_back({"Unresolved", {}, std::vector<DrawStyleXml>{{"normal", "Missing"}, {"b", "Wide"}}, {}});

@@ -8,13 +8,13 @@
 
 #include "fbx/export_fixture.h"
 #include "fbx/sdk/fbx_mesh.h"
+#include "game_writers/image_writer.h"
+#include "game_writers/pack_writer.h"
+#include "game_writers/xml_writer.h"
 #include "glb_reader.h"
 #include "gltf/gltf_scene.h"
 #include "image/image_decode.h"
 #include "support/allocation_failure.h"
-#include "game_writers/image_writer.h"
-#include "game_writers/pack_writer.h"
-#include "game_writers/xml_writer.h"
 
 namespace {
 

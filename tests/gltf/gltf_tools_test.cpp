@@ -11,8 +11,8 @@
 #include <nlohmann/json.hpp>
 
 #include "fbx/export_fixture.h"
-#include "glb_reader.h"
 #include "game_writers/sample_game.h"
+#include "glb_reader.h"
 #include "support/shell_run.h"
 
 namespace {

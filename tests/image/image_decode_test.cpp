@@ -7,8 +7,8 @@
 #include <string>
 #include <vector>
 
-#include "support/allocation_failure.h"
 #include "game_writers/image_writer.h"
+#include "support/allocation_failure.h"
 
 namespace {
 

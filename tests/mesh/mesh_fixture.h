@@ -59,7 +59,8 @@ inline void SetIndices(ModelMesh& mesh, u32 bytesPerIndex, const std::vector<u32
   mesh.bytesPerIndex = bytesPerIndex;
   mesh.indexCount = u32(indices.size());
   ASSERT_TRUE(mesh.indexData.SetSize(u32(indices.size()) * bytesPerIndex));
-  for (size_t i = 0; i < indices.size(); ++i) std::memcpy(mesh.indexData.Data() + i * bytesPerIndex, &indices[i], bytesPerIndex);
+  for (size_t i = 0; i < indices.size(); ++i)
+    std::memcpy(mesh.indexData.Data() + i * bytesPerIndex, &indices[i], bytesPerIndex);
   mesh.indexDataSize = mesh.indexData.Size();
 }
 

@@ -86,12 +86,10 @@ TEST_F(Camera, ScreenToBall) {
     f32 radius, x, y;
     Vector3 ball;
   } cases[] = {
-      {200, 1.0f, 100, 50, {0, 0, 1}},
-      {200, 1.0f, 150, 50, {0.5f, 0, z}},
-      {200, 1.0f, 100, 75, {0, 0.5f, z}},  // y grows downward
-      {200, 0.5f, 125, 50, {0.5f, 0, z}},
-      {201, 1.0f, 100, 50, {0, 0, 1}},  // the centre is a whole pixel
-      {200, 1.0f, 250, 50, {1, 0, 0}},  // off the ball: onto the rim
+      {200, 1.0f, 100, 50, {0, 0, 1}},          {200, 1.0f, 150, 50, {0.5f, 0, z}},
+      {200, 1.0f, 100, 75, {0, 0.5f, z}},                                         // y grows downward
+      {200, 0.5f, 125, 50, {0.5f, 0, z}},       {201, 1.0f, 100, 50, {0, 0, 1}},  // the centre is a whole pixel
+      {200, 1.0f, 250, 50, {1, 0, 0}},                                            // off the ball: onto the rim
       {200, 1.0f, 300, 150, {kHalf, kHalf, 0}},
   };
   for (const auto& c : cases) {
@@ -194,8 +192,7 @@ TEST_F(Camera, FrameBoundsFitsTheBoxAndStartsAfresh) {
   const struct {
     f32 min[3], max[3], aspect, distance;
   } cases[] = {
-      {{-1, -1, -1}, {1, 1, 1}, 1, 3.6f},
-      {{1, 2, 3}, {3, 6, 11}, 0.5f, 2 * root63 * 1.2f},  // the width decides
+      {{-1, -1, -1}, {1, 1, 1}, 1, 3.6f}, {{1, 2, 3}, {3, 6, 11}, 0.5f, 2 * root63 * 1.2f},  // the width decides
   };
   EXPECT_EQ(ArcBallCamera(200, 100).Radius(), 0.9f);
   for (const auto& c : cases) {
@@ -207,8 +204,8 @@ TEST_F(Camera, FrameBoundsFitsTheBoxAndStartsAfresh) {
     camera.FrameBounds(c.min, c.max, 2 * std::atan(c.aspect * std::tan(kFov60 / 2)), kFov60, offset);
     EXPECT_NEAR(camera.TranslationRadius(), c.distance, c.distance * 1e-6f);
     ExpectNear(camera.TranslationMatrix(), MatrixTranslation(0, 0, -camera.TranslationRadius()), 0);
-    ExpectNear(offset, MatrixTranslation(-(c.min[0] + c.max[0]) / 2, -(c.min[1] + c.max[1]) / 2,
-                                         -(c.min[2] + c.max[2]) / 2));
+    ExpectNear(offset,
+               MatrixTranslation(-(c.min[0] + c.max[0]) / 2, -(c.min[1] + c.max[1]) / 2, -(c.min[2] + c.max[2]) / 2));
     ExpectNear(camera.CurrentRotation(), Quaternion{});
     ExpectNear(camera.RotationMatrix(), Matrix4{}, 0);
     EXPECT_EQ(camera.Radius(), 1.0f);

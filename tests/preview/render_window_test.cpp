@@ -11,8 +11,8 @@
 #include "game_writers/model_writer.h"
 #include "game_writers/pack_writer.h"
 #include "game_writers/skinned_actor.h"
-#include "support/temp_dir.h"
 #include "game_writers/xml_writer.h"
+#include "support/temp_dir.h"
 
 namespace {
 

@@ -51,10 +51,30 @@ bool ReadArray(Cursor& in, FbxReadProperty& property) {
   for (size_t i = 0; i < count; ++i) {
     const char* p = raw.data() + i * ElementSize(property.code);
     switch (property.code) {
-      case 'f': { float v; std::memcpy(&v, p, 4); property.reals.push_back(v); break; }
-      case 'd': { double v; std::memcpy(&v, p, 8); property.reals.push_back(v); break; }
-      case 'i': { int32_t v; std::memcpy(&v, p, 4); property.integers.push_back(v); break; }
-      case 'l': { int64_t v; std::memcpy(&v, p, 8); property.integers.push_back(v); break; }
+      case 'f': {
+        float v;
+        std::memcpy(&v, p, 4);
+        property.reals.push_back(v);
+        break;
+      }
+      case 'd': {
+        double v;
+        std::memcpy(&v, p, 8);
+        property.reals.push_back(v);
+        break;
+      }
+      case 'i': {
+        int32_t v;
+        std::memcpy(&v, p, 4);
+        property.integers.push_back(v);
+        break;
+      }
+      case 'l': {
+        int64_t v;
+        std::memcpy(&v, p, 8);
+        property.integers.push_back(v);
+        break;
+      }
       default: property.integers.push_back(static_cast<unsigned char>(*p));
     }
   }
@@ -64,20 +84,46 @@ bool ReadArray(Cursor& in, FbxReadProperty& property) {
 bool ReadProperty(Cursor& in, FbxReadProperty& property) {
   if (!in.Read(property.code)) return false;
   switch (property.code) {
-    case 'Y': { int16_t v; if (!in.Read(v)) return false; property.integer = v; return true; }
-    case 'C': { uint8_t v; if (!in.Read(v)) return false; property.integer = v; return true; }
-    case 'I': { int32_t v; if (!in.Read(v)) return false; property.integer = v; return true; }
+    case 'Y': {
+      int16_t v;
+      if (!in.Read(v)) return false;
+      property.integer = v;
+      return true;
+    }
+    case 'C': {
+      uint8_t v;
+      if (!in.Read(v)) return false;
+      property.integer = v;
+      return true;
+    }
+    case 'I': {
+      int32_t v;
+      if (!in.Read(v)) return false;
+      property.integer = v;
+      return true;
+    }
     case 'L': return in.Read(property.integer);
-    case 'F': { float v; if (!in.Read(v)) return false; property.real = v; return true; }
+    case 'F': {
+      float v;
+      if (!in.Read(v)) return false;
+      property.real = v;
+      return true;
+    }
     case 'D': return in.Read(property.real);
-    case 'S': case 'R': {
+    case 'S':
+    case 'R': {
       uint32_t length;
       if (!in.Read(length) || !in.Need(length)) return false;
       property.bytes.assign(in.bytes.data() + in.at, length);
       in.at += length;
       return true;
     }
-    case 'f': case 'd': case 'i': case 'l': case 'b': case 'c': return ReadArray(in, property);
+    case 'f':
+    case 'd':
+    case 'i':
+    case 'l':
+    case 'b':
+    case 'c': return ReadArray(in, property);
     default: in.error = std::string("unknown property code ") + property.code; return false;
   }
 }

@@ -9,10 +9,10 @@ namespace testsupport {
 // A binary FBX file read back for tests, value by value. Arrays are inflated.
 struct FbxReadProperty {
   char code = 0;
-  int64_t integer = 0;  // Y C I L, and C as its byte
-  double real = 0;      // F D
-  std::string bytes;    // S R
-  std::vector<double> reals;     // f d
+  int64_t integer = 0;            // Y C I L, and C as its byte
+  double real = 0;                // F D
+  std::string bytes;              // S R
+  std::vector<double> reals;      // f d
   std::vector<int64_t> integers;  // i l b c
   uint32_t encoding = 0;          // arrays: 0 plain, 1 zlib
 };

@@ -22,8 +22,8 @@ bool MakeWinePrefix(const std::string& prefix, const std::string& user) {
 
 bool WritePrefixDigest(const std::string& prefix, const std::string& user, const std::string& maker,
                        const std::string& game, const std::string& text) {
-  return gamewriters::WriteFileBytes(prefix + "/drive_c/users/" + user + "/AppData/LocalLow/" + maker + "/Digests/" + game + ".loc",
-                        text);
+  return gamewriters::WriteFileBytes(
+      prefix + "/drive_c/users/" + user + "/AppData/LocalLow/" + maker + "/Digests/" + game + ".loc", text);
 }
 
 std::string LibraryFoldersVdf(const std::vector<std::string>& libraries) {

@@ -134,8 +134,8 @@ TEST_F(PreviewViewsTest, AClickTakesTheKeysAndFOrHomeFrameTheModelAgain) {
     QMouseEvent move(QEvent::MouseMove, QPointF(260, 240), QPointF(260, 240), Qt::NoButton, Qt::RightButton,
                      Qt::NoModifier);
     QCoreApplication::sendEvent(&control, &move);
-    QMouseEvent release(QEvent::MouseButtonRelease, QPointF(260, 240), QPointF(260, 240), Qt::RightButton,
-                        Qt::NoButton, Qt::NoModifier);
+    QMouseEvent release(QEvent::MouseButtonRelease, QPointF(260, 240), QPointF(260, 240), Qt::RightButton, Qt::NoButton,
+                        Qt::NoModifier);
     QCoreApplication::sendEvent(&control, &release);
     ASSERT_NE(Frame(), framed) << "the pan moved the model";
     PreviewKey(key);

@@ -2,13 +2,13 @@
 // to a drawn frame and a written file.
 #include <QCheckBox>
 #include <QComboBox>
-#include <filesystem>
 #include <QImage>
 #include <QKeyEvent>
 #include <QLineEdit>
 #include <QMouseEvent>
 #include <QPushButton>
 #include <QScreen>
+#include <filesystem>
 
 #include "preview/render_window.h"
 #include "support/fbx_reader.h"
@@ -158,8 +158,8 @@ TEST_F(DesktopTest, ConvertWithThreeSelectedWritesThemBelowAChosenFolder) {
   Select("actors\\barrel.adr");
   QListView& view = window.FileView();
   for (const char* name : {"actors\\crate.adr", "actors\\wolf.adr"}) {
-    const QModelIndexList found = view.model()->match(view.model()->index(0, 0), Qt::DisplayRole, QString::fromUtf8(name),
-                                                      1, Qt::MatchExactly);
+    const QModelIndexList found =
+        view.model()->match(view.model()->index(0, 0), Qt::DisplayRole, QString::fromUtf8(name), 1, Qt::MatchExactly);
     ASSERT_EQ(found.size(), 1) << name;
     // A control-click: the item joins the selection and becomes the current one.
     view.selectionModel()->setCurrentIndex(found.first(), QItemSelectionModel::Select);

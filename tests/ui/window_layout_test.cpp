@@ -76,8 +76,8 @@ TEST_F(WindowLayoutTest, TheWholeWindowIsOnTheScreenAndScaledAsOne) {
   const QString name = QStringLiteral("window_%1x%2.png").arg(screen->size().width()).arg(screen->size().height());
   EXPECT_TRUE(screen->grabWindow(0).save(ArtifactPath(name.toUtf8().constData())));
 
-  EXPECT_TRUE(available.contains(window.frameGeometry())) << window.frameGeometry().width() << "x"
-                                                          << window.frameGeometry().height();
+  EXPECT_TRUE(available.contains(window.frameGeometry()))
+      << window.frameGeometry().width() << "x" << window.frameGeometry().height();
   const double scale = DialogUnits::DpiScale(screen) * window.Fit();
   EXPECT_NEAR(window.width(), kFullWidth * scale, 1.0);
   EXPECT_NEAR(window.height(), kFullHeight * scale, 1.0);

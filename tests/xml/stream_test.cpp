@@ -4,10 +4,10 @@
 #include <filesystem>
 #include <string>
 
-#include "xml/file_stream.h"
 #include "core/memory_hooks.h"
-#include "xml/memory_stream.h"
 #include "support/temp_dir.h"
+#include "xml/file_stream.h"
+#include "xml/memory_stream.h"
 
 namespace {
 

@@ -93,7 +93,8 @@ std::string BuildDdsDx10(u32 width, u32 height, u32 dxgiFormat, const std::strin
 
 std::string BuildDds(u32 width, u32 height, const std::vector<u8>& rgba) {
   constexpr u32 kAlphaPixels = 0x1, kRgb = 0x40;
-  return BuildDdsWithFormat(width, height, {kRgb | kAlphaPixels, 0, 32, {0x00FF0000, 0x0000FF00, 0x000000FF, 0xFF000000}},
+  return BuildDdsWithFormat(width, height,
+                            {kRgb | kAlphaPixels, 0, 32, {0x00FF0000, 0x0000FF00, 0x000000FF, 0xFF000000}},
                             Bgra(Padded(width, height, rgba)));
 }
 

@@ -68,8 +68,8 @@ std::string BuildModel(const ModelDesc& model) {
   for (const MeshDesc& m : model.meshes) {
     const u32 indexCount = m.bytesPerIndex ? Count(m.indexData.size() / m.bytesPerIndex) : 0;
     for (u32 word : {m.firstDrawCall, m.drawCallCount, m.bonePaletteSize, m.reserved,
-                     m.streamCount.value_or(Count(m.streams.size())), m.bytesPerIndex, m.indexCount.value_or(indexCount),
-                     m.vertexCount}) {
+                     m.streamCount.value_or(Count(m.streams.size())), m.bytesPerIndex,
+                     m.indexCount.value_or(indexCount), m.vertexCount}) {
       Put(out, word);
     }
     for (const StreamDesc& stream : m.streams) {
@@ -120,11 +120,12 @@ MeshDesc PatternMesh(u32 vertexCount, const std::vector<u32>& strides, u32 bytes
 PaletteDesc SamplePalette() {
   PaletteDesc palette{.names = {"textures\\hero_diffuse.dds", "textures\\hero_normal.dds", ""}};
   MaterialDesc skin{.materialKey = 0x1001, .definitionHash = HashExact("skinned_opaque")};
-  skin.parameters = {TextureParameter(HashKey("baseDiffuse"), palette.names[0]),
-                     TextureParameter(HashKey("baseNormal"), palette.names[1]),
-                     {.semanticHash = HashKey("tint"), .parameterClass = 1, .parameterType = 3, .data = Pattern(16, 1)},
-                     {.semanticHash = HashKey("curve"), .parameterClass = 1, .parameterType = 3, .data = Pattern(17, 2)},
-                     {.semanticHash = HashKey("flag"), .parameterType = 1}};
+  skin.parameters = {
+      TextureParameter(HashKey("baseDiffuse"), palette.names[0]),
+      TextureParameter(HashKey("baseNormal"), palette.names[1]),
+      {.semanticHash = HashKey("tint"), .parameterClass = 1, .parameterType = 3, .data = Pattern(16, 1)},
+      {.semanticHash = HashKey("curve"), .parameterClass = 1, .parameterType = 3, .data = Pattern(17, 2)},
+      {.semanticHash = HashKey("flag"), .parameterType = 1}};
   palette.materials = {skin, {.materialKey = 0x1002, .definitionHash = HashExact("static_opaque")}};
   return palette;
 }
@@ -135,8 +136,9 @@ ModelDesc SampleModel() {
   model.meshes[0].drawCallCount = 2;
   model.meshes[0].bonePaletteSize = 4;
   model.meshes[0].reserved = 7;
-  model.drawCalls = {{.reserved0 = 1, .boneMapEntryCount = 2, .vertexCount = 3, .reserved3 = 9},
-                     {.firstBoneMapEntry = 2, .boneMapEntryCount = 2, .slotBase = 2, .firstVertex = 3, .vertexCount = 2}};
+  model.drawCalls = {
+      {.reserved0 = 1, .boneMapEntryCount = 2, .vertexCount = 3, .reserved3 = 9},
+      {.firstBoneMapEntry = 2, .boneMapEntryCount = 2, .slotBase = 2, .firstVertex = 3, .vertexCount = 2}};
   model.boneMap = {{0, 0}, {2, 1}, {2, 0}, {40, 1}};
   for (const char* name : {"root", "spine", "head"}) {
     BoneDesc bone{.nameHash = HashNameWide(name)};

@@ -13,18 +13,18 @@ namespace gamewriters {
 // reader checks can be overridden to make a broken pack.
 struct PackFileEntry {
   std::string name{};
-  std::string data{};                 // stored in the pack where the layout puts it
-  std::optional<u32> nameLength{};    // written instead of name.size()
-  std::optional<u32> dataOffset{};    // written instead of where the data went
-  std::optional<u32> dataSize{};      // written instead of data.size()
+  std::string data{};               // stored in the pack where the layout puts it
+  std::optional<u32> nameLength{};  // written instead of name.size()
+  std::optional<u32> dataOffset{};  // written instead of where the data went
+  std::optional<u32> dataSize{};    // written instead of data.size()
   u32 reserved = 0;
 };
 
 struct PackChunk {
   std::vector<PackFileEntry> entries{};
-  std::optional<u32> at{};            // absolute offset of the chunk; default right after what came before
-  std::optional<u32> nextChunk{};     // default: the next chunk's offset, 0 for the last
-  std::optional<u32> entryCount{};    // default: entries.size()
+  std::optional<u32> at{};          // absolute offset of the chunk; default right after what came before
+  std::optional<u32> nextChunk{};   // default: the next chunk's offset, 0 for the last
+  std::optional<u32> entryCount{};  // default: entries.size()
 };
 
 enum class DataPlacement {

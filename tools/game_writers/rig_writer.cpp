@@ -185,7 +185,8 @@ std::string BuildNetworkDefinitionData(const NetworkLayout& network) {
   data.resize(nodesAt + Size(network.nodes) * 4);
   const u32 nodeNamesAt = Append(data, BuildStringTable(network.nodeNames));
   const u32 tableNamesAt = network.tableNames ? Append(data, BuildStringTable(*network.tableNames)) : 0;
-  for (u32 i = 0; i < Size(network.nodes); ++i) PutU32(data, nodesAt + i * 4, Append(data, BuildNode(network.nodes[i])));
+  for (u32 i = 0; i < Size(network.nodes); ++i)
+    PutU32(data, nodesAt + i * 4, Append(data, BuildNode(network.nodes[i])));
 
   PutU32(data, 80, network.nodeCount.value_or(Size(network.nodes)));
   PutU32(data, 84, network.nodesPosition.value_or(nodesAt));
@@ -199,14 +200,17 @@ std::vector<RigFileChunk> RigNetworkChunks(const RigNetworkLayout& layout) {
   constexpr u32 kRigChunk = 1, kNetworkDefinitionChunk = 10, kAnimSetChunk = 14;
   std::vector<RigFileChunk> chunks;
   for (const RigNetworkLayout::Rig& rig : layout.rigs) {
-    chunks.push_back({.type = kRigChunk, .id = rig.id, .data = BuildRigChunkData(rig.rig), .alignment = layout.alignment});
+    chunks.push_back(
+        {.type = kRigChunk, .id = rig.id, .data = BuildRigChunkData(rig.rig), .alignment = layout.alignment});
   }
   if (layout.animSets) {
-    chunks.push_back({.type = kAnimSetChunk, .data = BuildAnimSetChunkData(*layout.animSets), .alignment = layout.alignment});
+    chunks.push_back(
+        {.type = kAnimSetChunk, .data = BuildAnimSetChunkData(*layout.animSets), .alignment = layout.alignment});
   }
   if (layout.network) {
-    chunks.push_back(
-        {.type = kNetworkDefinitionChunk, .data = BuildNetworkDefinitionData(*layout.network), .alignment = layout.alignment});
+    chunks.push_back({.type = kNetworkDefinitionChunk,
+                      .data = BuildNetworkDefinitionData(*layout.network),
+                      .alignment = layout.alignment});
   }
   return chunks;
 }

@@ -18,7 +18,7 @@ struct RigFileChunk {
   u32 type = 0;
   u32 id = 0;
   std::string data{};
-  u32 alignment = 0;              // 0: data right behind the header; else at a multiple of this in the file
+  u32 alignment = 0;  // 0: data right behind the header; else at a multiple of this in the file
   u32 tag0 = 24;
   u32 tag1 = 6;
   std::optional<u32> dataSize{};  // written instead of data.size()
@@ -81,9 +81,9 @@ struct NetworkLayout {
   std::vector<NetworkNodeLayout> nodes{};
   std::vector<std::string> nodeNames{};
   std::optional<std::vector<std::string>> tableNames{};  // none: nameTable is 0
-  std::optional<u32> nodeCount{};         // written instead of nodes.size()
-  std::optional<u32> flaggedNodeCount{};  // written instead of the nodes flagged 0x04
-  std::optional<u32> nodesPosition{};     // e.g. 0, which says there are no nodes
+  std::optional<u32> nodeCount{};                        // written instead of nodes.size()
+  std::optional<u32> flaggedNodeCount{};                 // written instead of the nodes flagged 0x04
+  std::optional<u32> nodesPosition{};                    // e.g. 0, which says there are no nodes
   std::optional<u32> nodeNamesPosition{};
 };
 

@@ -10,12 +10,12 @@
 #include <vector>
 
 #include "core/hash.h"
+#include "game_writers/file_bytes.h"
 #include "game_writers/image_writer.h"
 #include "game_writers/model_writer.h"
 #include "game_writers/pack_writer.h"
 #include "game_writers/rig_writer.h"
 #include "game_writers/skinned_actor.h"
-#include "game_writers/file_bytes.h"
 #include "game_writers/xml_writer.h"
 
 namespace gamewriters {
@@ -223,9 +223,10 @@ std::vector<StreamDesc> Streams(Surface surface, const std::vector<Vertex>& vert
         main += {Slot(v.bones[0], boneCount), Slot(v.bones[1], boneCount), 0, 0, w, char(255 - u8(w)), 0, 0};
         break;
       case Surface::Rigid:
-        main += {PackedByte(v.tangent[0]), PackedByte(v.tangent[1]), PackedByte(v.tangent[2]), char(255),
-                 PackedByte(v.binormal[0]), PackedByte(v.binormal[1]), PackedByte(v.binormal[2]),
-                 Slot(v.bones[0], boneCount)};
+        main += {PackedByte(v.tangent[0]),  PackedByte(v.tangent[1]),
+                 PackedByte(v.tangent[2]),  char(255),
+                 PackedByte(v.binormal[0]), PackedByte(v.binormal[1]),
+                 PackedByte(v.binormal[2]), Slot(v.bones[0], boneCount)};
         break;
       case Surface::Glow: main += {char(150), char(230), char(255), char(200)}; break;
       case Surface::Prop: break;
@@ -264,8 +265,11 @@ std::string Model(const ModelPlan& plan) {
     std::vector<u32> indices;
     for (const Box& box : mesh.boxes) AddBox(vertices, indices, box, bones);
     const bool weighted = mesh.surface == Surface::Skinned || mesh.surface == Surface::Rigid;
-    MeshDesc out{.firstDrawCall = m, .drawCallCount = 1, .bonePaletteSize = weighted ? boneCount : 0,
-                 .bytesPerIndex = plan.bytesPerIndex, .vertexCount = u32(vertices.size())};
+    MeshDesc out{.firstDrawCall = m,
+                 .drawCallCount = 1,
+                 .bonePaletteSize = weighted ? boneCount : 0,
+                 .bytesPerIndex = plan.bytesPerIndex,
+                 .vertexCount = u32(vertices.size())};
     out.streams = Streams(mesh.surface, vertices, boneCount);
     for (u32 index : indices) PutU32(out.indexData, index, plan.bytesPerIndex);
     model.meshes.push_back(out);
@@ -366,8 +370,8 @@ Files HumanoidPack() {
   ActorXml knightRed = NamedRig("models\\knight.dmod", "humanoid.mrn", "Idle");
   knightRed.paletteName = "materials\\knight_red.dmat";
 
-  const MeshPlan shield{Surface::Skinned, "textures\\shield_d.dds",
-                        {{{0.4f, 1.15f, 0}, {0.02f, 0.2f, 0.15f}, "arm_l"}}};
+  const MeshPlan shield{
+      Surface::Skinned, "textures\\shield_d.dds", {{{0.4f, 1.15f, 0}, {0.02f, 0.2f, 0.15f}, "arm_l"}}};
   const ModelPlan knightModel{{}, humanoid, {{Surface::Skinned, "textures\\knight_d.png", HumanoidBody()}, shield}};
   std::vector<MeshPlan> redKnight = knightModel.meshes;
   redKnight[0].texture = "textures\\knight_red_d.dds";
@@ -383,8 +387,8 @@ Files HumanoidPack() {
 
   Files files = {
       {"materials_3.xml", Catalogue()},
-      {"humanoid.mrn", BuildRigNetwork(NetworkWithSets({{1, humanoid}, {2, Child()}},
-                                                       {{"Idle", 1}, {"Walk", 1}, {"ChildIdle", 2}}))},
+      {"humanoid.mrn",
+       BuildRigNetwork(NetworkWithSets({{1, humanoid}, {2, Child()}}, {{"Idle", 1}, {"Walk", 1}, {"ChildIdle", 2}}))},
       {"actors\\knight.adr", BuildActor(knight)},
       {"actors\\knight_red.adr", BuildActor(knightRed)},
       {"actors\\guard.adr", BuildActor(NamedRig("models\\guard.dmod", "rigs\\humanoid.mrn", "walk"))},
@@ -447,13 +451,17 @@ Files PropPack() {
   ActorXml wisp = Borrowing("models\\wisp.dmod");
   wisp.invisible = "false";
   wisp.boneAttachmentName = "arm_l";
-  const ModelPlan wispModel{{}, {}, {{Surface::Glow, "textures\\wisp_d.png",
-                                       {{{0, 1.2f, 0}, {0.1f, 0.1f, 0.1f}}, {{0, 1.2f, 0}, {0.05f, 0.18f, 0.05f}}}}}};
+  const ModelPlan wispModel{{},
+                            {},
+                            {{Surface::Glow,
+                              "textures\\wisp_d.png",
+                              {{{0, 1.2f, 0}, {0.1f, 0.1f, 0.1f}}, {{0, 1.2f, 0}, {0.05f, 0.18f, 0.05f}}}}}};
   const ModelPlan barrel{{}, {}, {{Surface::Prop, "textures\\barrel_d.dds", {{{0, 0.45f, 0}, {0.3f, 0.45f, 0.3f}}}}}};
   const ModelPlan crate{{},
                         {},
                         {{Surface::Prop, "textures\\crate_d.png", {{{0, 0.4f, 0}, {0.4f, 0.4f, 0.4f}}}},
-                         {Surface::Prop, "textures\\crate_bands_d.dds",
+                         {Surface::Prop,
+                          "textures\\crate_bands_d.dds",
                           {{{0, 0.2f, 0}, {0.42f, 0.04f, 0.42f}}, {{0, 0.6f, 0}, {0.42f, 0.04f, 0.42f}}}}},
                         4};
   Files files = {
@@ -503,7 +511,8 @@ bool BuildBatchGame(const std::string& dir, u32 copies, std::string* error) {
   for (const PackLayout& pack : packs) {
     for (const PackChunk& chunk : pack.chunks) {
       for (const PackFileEntry& entry : chunk.entries) {
-        if (entry.name.ends_with(".adr")) actors.emplace_back(entry.name.substr(entry.name.rfind('\\') + 1), entry.data);
+        if (entry.name.ends_with(".adr"))
+          actors.emplace_back(entry.name.substr(entry.name.rfind('\\') + 1), entry.data);
       }
     }
   }
@@ -517,7 +526,8 @@ bool BuildBatchGame(const std::string& dir, u32 copies, std::string* error) {
     chunk.entries.push_back({.name = folder + "no_palette.adr",
                              .data = BuildActor({.fileName = "models\\barrel.dmod", .paletteName = "none.dmat"})});
     chunk.entries.push_back({.name = folder + "Twin.adr", .data = BuildActor(Actor("models\\barrel.dmod"))});
-    chunk.entries.push_back({.name = "batch/" + std::to_string(n) + "/Twin.ADR", .data = BuildActor(Actor("models\\crate.dmod"))});
+    chunk.entries.push_back(
+        {.name = "batch/" + std::to_string(n) + "/Twin.ADR", .data = BuildActor(Actor("models\\crate.dmod"))});
   }
   return Write(SampleGameLayout(dir).assets + "/" + PackFileName(3), BuildPack(PackLayout{{chunk}}), error);
 }

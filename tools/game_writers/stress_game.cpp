@@ -3,9 +3,9 @@
 #include <cstdio>
 #include <vector>
 
+#include "game_writers/file_bytes.h"
 #include "game_writers/pack_writer.h"
 #include "game_writers/skinned_actor.h"
-#include "game_writers/file_bytes.h"
 #include "game_writers/xml_writer.h"
 
 namespace gamewriters {

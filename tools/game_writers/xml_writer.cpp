@@ -33,20 +33,29 @@ std::string Layout(const InputLayoutXml& layout) {
   std::string out = Open("Object", {{"class", Attribute("InputLayout")}, {"Name", layout.name}}) + ">";
   out += "<Array Name=\"" + layout.arrayName + "\">";
   for (const LayoutEntryXml& e : layout.entries) {
-    out += Open("object", {{"Class", Attribute(e.className)}, {"Type", e.type}, {"usage", e.usage},
-                           {"Stream", e.stream}, {"UsageIndex", e.usageIndex}}) + "/>";
+    out += Open("object", {{"Class", Attribute(e.className)},
+                           {"Type", e.type},
+                           {"usage", e.usage},
+                           {"Stream", e.stream},
+                           {"UsageIndex", e.usageIndex}}) +
+           "/>";
   }
   return out + "</Array></Object>";
 }
 
 std::string Definition(const MaterialDefinitionXml& definition) {
   std::string out =
-      Open("Object", {{"class", Attribute("MaterialDefinition")}, {"Name", definition.name}, {"type", definition.type}}) + ">";
+      Open("Object",
+           {{"class", Attribute("MaterialDefinition")}, {"Name", definition.name}, {"type", definition.type}}) +
+      ">";
   if (definition.drawStyles) {
     out += "<array Name=\"DrawStyles\">";
     for (const DrawStyleXml& s : *definition.drawStyles) {
-      out += Open("object", {{"Class", Attribute(s.className)}, {"Name", s.name}, {"Effect", s.effect},
-                             {"InputLayout", s.inputLayout}}) + "/>";
+      out += Open("object", {{"Class", Attribute(s.className)},
+                             {"Name", s.name},
+                             {"Effect", s.effect},
+                             {"InputLayout", s.inputLayout}}) +
+             "/>";
     }
     out += "</array>";
   }
@@ -87,15 +96,24 @@ std::string BuildActor(const ActorXml& actor) {
   }
   if (actor.invisible) out += Open("Invisible", {{"Value", actor.invisible}}) + "/>\n";
   if (actor.hasUsage) {
-    out += Open("Usage", {{"boneAttachmentName", actor.boneAttachmentName}, {"borrowSkeleton", actor.borrowSkeleton}}) + "/>\n";
+    out += Open("Usage", {{"boneAttachmentName", actor.boneAttachmentName}, {"borrowSkeleton", actor.borrowSkeleton}}) +
+           "/>\n";
   }
   out += Aliases("TextureAliases", actor.textureAliases, [](const TextureAliasXml& a) {
-    return Open("Alias", {{"aliasName", a.aliasName}, {"textureName", a.textureName}, {"semanticHash", a.semanticHash},
-                          {"materialIndex", a.materialIndex}, {"defaultTextureAlias", a.isDefault}});
+    return Open("Alias", {{"aliasName", a.aliasName},
+                          {"textureName", a.textureName},
+                          {"semanticHash", a.semanticHash},
+                          {"materialIndex", a.materialIndex},
+                          {"defaultTextureAlias", a.isDefault}});
   });
   out += Aliases("TintAliases", actor.tintAliases, [](const TintAliasXml& a) {
-    return Open("Alias", {{"aliasName", a.aliasName}, {"red", a.red}, {"green", a.green}, {"blue", a.blue},
-                          {"alpha", a.alpha}, {"semanticHash", a.semanticHash}, {"materialIndex", a.materialIndex},
+    return Open("Alias", {{"aliasName", a.aliasName},
+                          {"red", a.red},
+                          {"green", a.green},
+                          {"blue", a.blue},
+                          {"alpha", a.alpha},
+                          {"semanticHash", a.semanticHash},
+                          {"materialIndex", a.materialIndex},
                           {"defaultTintAlias", a.isDefault}});
   });
   return out + "</" + actor.rootName + ">\n";

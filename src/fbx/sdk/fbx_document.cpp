@@ -50,7 +50,8 @@ bool HeaderExtension(FbxRecord& document, const FbxCreationTime& time, const Fbx
   for (const char* group : {"Original", "LastSaved"}) {
     char name[64];
     ok = ok && AddRow(*p, group, "Compound", "", "");
-    for (const char* member : {"ApplicationVendor", "ApplicationName", "ApplicationVersion", "DateTime_GMT", "FileName"}) {
+    for (const char* member :
+         {"ApplicationVendor", "ApplicationName", "ApplicationVersion", "DateTime_GMT", "FileName"}) {
       if (group[0] == 'L' && member[0] == 'F') continue;  // LastSaved has no FileName
       std::snprintf(name, sizeof(name), "%s|%s", group, member);
       ok = ok && AddStringRow(*p, name, member[0] == 'D' ? "DateTime" : "KString", "", "", "");
@@ -65,8 +66,8 @@ bool GlobalSettings(FbxRecord& document, f64 unitScaleFactor, f64 originalUnitSc
   FbxRecord* p = settings->AddChild("Properties70", true);
   if (!p) return false;
   // The default axis system: Y up, +Z front, +X side. Nothing is converted.
-  const std::pair<const char*, i32> axes[] = {{"UpAxis", 1},    {"UpAxisSign", 1},    {"FrontAxis", 2},
-                                              {"FrontAxisSign", 1}, {"CoordAxis", 0}, {"CoordAxisSign", 1},
+  const std::pair<const char*, i32> axes[] = {{"UpAxis", 1},          {"UpAxisSign", 1},        {"FrontAxis", 2},
+                                              {"FrontAxisSign", 1},   {"CoordAxis", 0},         {"CoordAxisSign", 1},
                                               {"OriginalUpAxis", -1}, {"OriginalUpAxisSign", 1}};
   for (const auto& [name, value] : axes) {
     if (!AddIntRow(*p, name, "int", "Integer", "", value)) return false;

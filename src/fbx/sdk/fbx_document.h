@@ -10,8 +10,7 @@
 // as empty blocks for the scene to fill, then Takes. `sceneName` names the one document; `info` may
 // be null, for empty texts.
 [[nodiscard]] bool BuildDocumentSections(FbxRecord& document, const FbxCreationTime& time, const FbxDocumentInfo* info,
-                                         const char* sceneName, f64 unitScaleFactor,
-                                         f64 originalUnitScaleFactor);
+                                         const char* sceneName, f64 unitScaleFactor, f64 originalUnitScaleFactor);
 
 // "YYYY-MM-DD HH:MM:SS:mmm", which the ids of the file are derived from.
 void FormatCreationTime(const FbxCreationTime& time, char (&out)[24]);

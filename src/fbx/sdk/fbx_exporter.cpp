@@ -68,14 +68,10 @@ bool FbxExporter::Export(const FbxScene* scene, bool nonBlocking) {
   const FbxWriteResult result = BuildSceneDocument(*scene, time, document) ? WriteFbxBinary(document, timeText, sink)
                                                                            : FbxWriteResult::kOutOfMemory;
   switch (result) {
-    case FbxWriteResult::kWritten:
-      break;
-    case FbxWriteResult::kOutOfMemory:
-      return Refuse("Out of memory");
-    case FbxWriteResult::kTooLarge:
-      return Refuse("The file would pass the 4 GiB that the format can address");
-    case FbxWriteResult::kSizeMismatch:
-      return Refuse("The file came out at another size than it was laid out");
+    case FbxWriteResult::kWritten: break;
+    case FbxWriteResult::kOutOfMemory: return Refuse("Out of memory");
+    case FbxWriteResult::kTooLarge: return Refuse("The file would pass the 4 GiB that the format can address");
+    case FbxWriteResult::kSizeMismatch: return Refuse("The file came out at another size than it was laid out");
     case FbxWriteResult::kSinkFailed:
       status.SetError("Cannot write the file: %s", file.Error());
       file.Discard();

@@ -1,7 +1,7 @@
 #include "fbx/sdk/fbx_object.h"
 
-#include <ctime>
 #include <sys/time.h>
+#include <ctime>
 
 #include "fbx/sdk/fbx_binary_writer.h"
 
@@ -13,8 +13,8 @@ FbxCreationTime LocalTimeNow() {
   tm local{};
   const time_t seconds = now.tv_sec;
   localtime_r(&seconds, &local);
-  return {local.tm_year + 1900, local.tm_mon + 1,  local.tm_mday, local.tm_hour,
-          local.tm_min,         local.tm_sec, i32(now.tv_usec / 1000)};
+  return {local.tm_year + 1900, local.tm_mon + 1, local.tm_mday,          local.tm_hour,
+          local.tm_min,         local.tm_sec,     i32(now.tv_usec / 1000)};
 }
 
 }  // namespace

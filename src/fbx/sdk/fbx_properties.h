@@ -6,7 +6,8 @@
 
 // Rows of a Properties70 block: name, data type, label, flags, then the values the type takes.
 // Each gives false when memory is refused.
-[[nodiscard]] bool AddRow(FbxRecord& properties, const char* name, const char* type, const char* label, const char* flags);
+[[nodiscard]] bool AddRow(FbxRecord& properties, const char* name, const char* type, const char* label,
+                          const char* flags);
 [[nodiscard]] bool AddIntRow(FbxRecord& properties, const char* name, const char* type, const char* label,
                              const char* flags, i32 value);
 [[nodiscard]] bool AddInt64Row(FbxRecord& properties, const char* name, const char* type, const char* label,

@@ -107,9 +107,10 @@ bool WriteSkeleton(FbxRecord& objects, const FbxSkeleton& skeleton) {
 }
 
 // The head of a layer element: `LayerElementX: I typedIndex` with its version, name and modes.
-FbxRecord* AddLayerElement(FbxRecord& geometry, const char* recordName, i32 typedIndex, const FbxLayerElement& element) {
-  static constexpr const char* kMapping[] = {"NoMappingInformation", "ByVertice", "ByPolygonVertex",
-                                             "ByPolygon", "ByEdge", "AllSame"};
+FbxRecord* AddLayerElement(FbxRecord& geometry, const char* recordName, i32 typedIndex,
+                           const FbxLayerElement& element) {
+  static constexpr const char* kMapping[] = {
+      "NoMappingInformation", "ByVertice", "ByPolygonVertex", "ByPolygon", "ByEdge", "AllSame"};
   static constexpr const char* kReference[] = {"Direct", "Index", "IndexToDirect"};
   FbxRecord* record = geometry.AddChild(recordName, true);
   if (!record || !record->AddInt32(typedIndex) || !AddInt(record, "Version", kLayerElementVersion) ||
@@ -156,17 +157,16 @@ bool WriteLayers(FbxRecord& geometry, const FbxMesh& mesh) {
     const FbxLayer& layer = *mesh.GetLayer(int(l));
     if (const FbxLayerElementNormal* normals = layer.GetNormals()) {
       FbxRecord* record = AddLayerElement(geometry, "LayerElementNormal", normalCount, *normals);
-      if (!record || !AddDirectArray(*record, "Normals", "NormalsIndex", *normals, 3, [](f64* out, const FbxVector4& n) {
-            out[0] = n.x, out[1] = n.y, out[2] = n.z;
-          })) {
+      if (!record || !AddDirectArray(*record, "Normals", "NormalsIndex", *normals, 3,
+                                     [](f64* out, const FbxVector4& n) { out[0] = n.x, out[1] = n.y, out[2] = n.z; })) {
         return false;
       }
       *entries.Append() = {"LayerElementNormal", normalCount++};
     }
     if (const FbxLayerElementUV* uvs = layer.GetUVs()) {
       FbxRecord* record = AddLayerElement(geometry, "LayerElementUV", uvCount, *uvs);
-      if (!record ||
-          !AddDirectArray(*record, "UV", "UVIndex", *uvs, 2, [](f64* out, const FbxVector2& uv) { out[0] = uv.x, out[1] = uv.y; })) {
+      if (!record || !AddDirectArray(*record, "UV", "UVIndex", *uvs, 2,
+                                     [](f64* out, const FbxVector2& uv) { out[0] = uv.x, out[1] = uv.y; })) {
         return false;
       }
       *entries.Append() = {"LayerElementUV", uvCount++};
@@ -317,8 +317,8 @@ bool WriteVideo(FbxRecord& objects, const FbxVideo& video) {
 bool WriteTexture(FbxRecord& objects, const FbxFileTexture& texture) {
   const FbxVideo* video = texture.GetVideo();
   FbxRecord* record = AddObject(objects, "Texture", texture, "Texture", "");
-  if (!video || !record || !AddText(record, "Type", "TextureVideoClip") || !AddInt(record, "Version", kTextureVersion) ||
-      !AddObjectName(record, "TextureName", texture, "Texture")) {
+  if (!video || !record || !AddText(record, "Type", "TextureVideoClip") ||
+      !AddInt(record, "Version", kTextureVersion) || !AddObjectName(record, "TextureName", texture, "Texture")) {
     return false;
   }
   FbxRecord* p = record->AddChild("Properties70", true);
@@ -379,7 +379,8 @@ class SceneObjects {
         if (!Add(node->GetMaterial(m)) || !AddTextures(*node->GetMaterial(m))) return false;
       }
       const FbxNodeAttribute* attribute = node->GetNodeAttribute();
-      if (attribute && attribute->Kind() == FbxObjectKind::Mesh && !AddDeformers(static_cast<const FbxMesh&>(*attribute))) {
+      if (attribute && attribute->Kind() == FbxObjectKind::Mesh &&
+          !AddDeformers(static_cast<const FbxMesh&>(*attribute))) {
         return false;
       }
       for (u32 c = 0; c < node->GetChildCount(); ++c) {
@@ -496,17 +497,22 @@ bool WriteDefinitions(FbxRecord& definitions, const TArray<const FbxObject*>& ob
     i32 count;
     i32 firstAt;
   };
-  Type types[] = {{"Model", i32(FbxTemplate::Node), 0, 0},    {"NodeAttribute", i32(FbxTemplate::Skeleton), 0, 0},
-                  {"Geometry", i32(FbxTemplate::Mesh), 0, 0}, {"Material", i32(FbxTemplate::SurfacePhong), 0, 0},
-                  {"Deformer", -1, 0, 0},                     {"Pose", -1, 0, 0},
-                  {"Texture", -1, 0, 0},                      {"Video", -1, 0, 0}};
+  Type types[] = {{"Model", i32(FbxTemplate::Node), 0, 0},
+                  {"NodeAttribute", i32(FbxTemplate::Skeleton), 0, 0},
+                  {"Geometry", i32(FbxTemplate::Mesh), 0, 0},
+                  {"Material", i32(FbxTemplate::SurfacePhong), 0, 0},
+                  {"Deformer", -1, 0, 0},
+                  {"Pose", -1, 0, 0},
+                  {"Texture", -1, 0, 0},
+                  {"Video", -1, 0, 0}};
   const auto typeOf = [](FbxObjectKind kind) -> i32 {
     switch (kind) {
       case FbxObjectKind::Node: return 0;
       case FbxObjectKind::Skeleton: return 1;
       case FbxObjectKind::Mesh: return 2;
       case FbxObjectKind::SurfacePhong: return 3;
-      case FbxObjectKind::Skin: case FbxObjectKind::Cluster: return 4;
+      case FbxObjectKind::Skin:
+      case FbxObjectKind::Cluster: return 4;
       case FbxObjectKind::Pose: return 5;
       case FbxObjectKind::Texture: return 6;
       case FbxObjectKind::Video: return 7;
