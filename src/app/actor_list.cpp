@@ -2,8 +2,8 @@
 
 #include <strings.h>
 
-std::vector<ListedActor> ListedActors(AppState& app, const std::vector<i32>& indices) {
-  std::vector<ListedActor> actors;
+std::vector<ListedEntry> ListedEntries(AppState& app, const std::vector<i32>& indices) {
+  std::vector<ListedEntry> actors;
   actors.reserve(indices.size());
   for (i32 index : indices) {
     const std::intptr_t data = app.window->GetItemData(kFileList, index);
@@ -17,15 +17,15 @@ std::vector<ListedActor> ListedActors(AppState& app, const std::vector<i32>& ind
   return actors;
 }
 
-std::vector<ListedActor> ListedActors(AppState& app) {
+std::vector<ListedEntry> ListedEntries(AppState& app) {
   const i32 count = app.window->GetCount(kFileList);
   std::vector<i32> all(size_t(count > 0 ? count : 0));
   for (i32 i = 0; i < count; ++i) all[size_t(i)] = i;
-  return ListedActors(app, all);
+  return ListedEntries(app, all);
 }
 
-const ListedActor* FindListedActor(const std::vector<ListedActor>& actors, const std::string& name) {
-  for (const ListedActor& actor : actors) {
+const ListedEntry* FindListedEntry(const std::vector<ListedEntry>& actors, const std::string& name) {
+  for (const ListedEntry& actor : actors) {
     if (strcasecmp(actor.name.c_str(), name.c_str()) == 0) return &actor;
   }
   return nullptr;

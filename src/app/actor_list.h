@@ -6,16 +6,16 @@
 #include "app/app_state.h"
 
 // An actor of the file list: its name as the list shows it and its pack entry.
-struct ListedActor {
+struct ListedEntry {
   std::string name;
   const PackEntry* entry = nullptr;
 };
 
 // The items `indices` of the file list, in that order; an item without an entry or a text is
 // passed over.
-std::vector<ListedActor> ListedActors(AppState& app, const std::vector<i32>& indices);
+std::vector<ListedEntry> ListedEntries(AppState& app, const std::vector<i32>& indices);
 // Every item of the file list, in the list's order.
-std::vector<ListedActor> ListedActors(AppState& app);
+std::vector<ListedEntry> ListedEntries(AppState& app);
 
 // The listed actor called `name`, ignoring case as the list's order does; null when none is.
-const ListedActor* FindListedActor(const std::vector<ListedActor>& actors, const std::string& name);
+const ListedEntry* FindListedEntry(const std::vector<ListedEntry>& actors, const std::string& name);

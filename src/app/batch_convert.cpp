@@ -33,9 +33,32 @@ class BatchQuestions final : public ISaveDialog {
   bool folderFailed = false;
 };
 
-// The order in which the actors are taken: round the output folders, one actor of each in turn.
-// Actors of one folder lie together in the list, and the file system serialises the files made in
-// one folder; so the jobs work in different folders at once.
+void Count(BatchSummary& summary, BatchState state) {
+  switch (state) {
+    case BatchState::kWritten: ++summary.written; break;
+    case BatchState::kFailed: ++summary.failed; break;
+    case BatchState::kSkipped: ++summary.skipped; break;
+    case BatchState::kNotStarted: ++summary.notStarted; break;
+  }
+}
+
+}  // namespace
+
+std::vector<BatchActor> BatchOf(const std::vector<ListedEntry>& actors) {
+  std::vector<BatchActor> batch;
+  batch.reserve(actors.size());
+  for (const ListedEntry& actor : actors) batch.push_back({actor.entry, actor.name, {}});
+  return batch;
+}
+
+void NameOutputs(std::vector<BatchActor>& actors, const char* extension) {
+  std::vector<std::string> names;
+  names.reserve(actors.size());
+  for (const BatchActor& actor : actors) names.push_back(actor.name);
+  const std::vector<std::string> outputs = OutputNames(names, extension);
+  for (size_t i = 0; i < actors.size(); ++i) actors[i].output = outputs[i];
+}
+
 std::vector<u32> FolderInterleavedOrder(const std::vector<BatchActor>& actors) {
   std::vector<std::vector<u32>> folders;
   std::unordered_map<std::string, size_t> folderIndex;
@@ -55,32 +78,6 @@ std::vector<u32> FolderInterleavedOrder(const std::vector<BatchActor>& actors) {
     }
   }
   return order;
-}
-
-void Count(BatchSummary& summary, BatchState state) {
-  switch (state) {
-    case BatchState::kWritten: ++summary.written; break;
-    case BatchState::kFailed: ++summary.failed; break;
-    case BatchState::kSkipped: ++summary.skipped; break;
-    case BatchState::kNotStarted: ++summary.notStarted; break;
-  }
-}
-
-}  // namespace
-
-std::vector<BatchActor> BatchOf(const std::vector<ListedActor>& actors) {
-  std::vector<BatchActor> batch;
-  batch.reserve(actors.size());
-  for (const ListedActor& actor : actors) batch.push_back({actor.entry, actor.name, {}});
-  return batch;
-}
-
-void NameOutputs(std::vector<BatchActor>& actors, const char* extension) {
-  std::vector<std::string> names;
-  names.reserve(actors.size());
-  for (const BatchActor& actor : actors) names.push_back(actor.name);
-  const std::vector<std::string> outputs = OutputNames(names, extension);
-  for (size_t i = 0; i < actors.size(); ++i) actors[i].output = outputs[i];
 }
 
 BatchSettings BatchSettingsFor(const std::string& outDir, u32 jobs, ExportFormat format, bool textures,

@@ -26,7 +26,7 @@ struct BatchActorResult {
 };
 
 // `actors` as a batch's, their outputs not yet named.
-std::vector<BatchActor> BatchOf(const std::vector<ListedActor>& actors);
+std::vector<BatchActor> BatchOf(const std::vector<ListedEntry>& actors);
 // Names each actor's output after its name, with `extension` (".fbx", ".glb"), by OutputNames.
 void NameOutputs(std::vector<BatchActor>& actors, const char* extension);
 
@@ -44,6 +44,11 @@ struct BatchSummary {
   u32 skipped = 0;
   u32 notStarted = 0;  // left when the batch was stopped
 };
+
+// The order in which a batch takes its actors: round the output folders, one actor of each in
+// turn. Actors of one folder lie together in the list, and the file system serialises the files
+// made in one folder; so the jobs work in different folders at once.
+std::vector<u32> FolderInterleavedOrder(const std::vector<BatchActor>& actors);
 
 // The settings of a batch that writes below `outDir` in `format`, `jobs` at a time, with the
 // textures when `textures` (each decoded once, through `store`), and answers no rig question.

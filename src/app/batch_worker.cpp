@@ -37,7 +37,7 @@ void OnConvertButton(AppState& app, ISaveDialog& save, IRigDialog& rig, IFolderD
   const std::vector<i32> selected = app.window->GetSelectedItems(kFileList);
   if (selected.size() < 2) return Convert(app, save, rig, options);
   TStringBufferA<1024> path;
-  std::vector<BatchActor> actors = BatchOf(ListedActors(app, selected));
+  std::vector<BatchActor> actors = BatchOf(ListedEntries(app, selected));
   ExportFormat format = ExportFormat::kFbx;
   if (actors.empty() || !folder.AskOutputFolder(path, format)) return;
   NameOutputs(actors, format == ExportFormat::kGlb ? ".glb" : ".fbx");

@@ -1,4 +1,3 @@
-#include <signal.h>
 #include <unistd.h>
 
 #include <atomic>
@@ -7,30 +6,15 @@
 #include "assets/wildcard_match.h"
 #include "cli/batch_progress.h"
 #include "cli/cli_session.h"
+#include "cli/interrupt.h"
 #include "platform/folders.h"
 #include "platform/parallel_for.h"
 
 namespace {
 
-// Set by Ctrl-C: no further actor starts, those under way end whole. A second Ctrl-C ends the
-// program at once.
-std::atomic<bool> stopRequested{false};
-static_assert(std::atomic<bool>::is_always_lock_free, "set from a signal handler");
-
-void OnInterrupt(int) { stopRequested = true; }
-
-void CatchInterrupt() {
-  struct sigaction action {};
-  action.sa_handler = OnInterrupt;
-  action.sa_flags = SA_RESETHAND;
-  sigemptyset(&action.sa_mask);
-  sigaction(SIGINT, &action, nullptr);
-  sigaction(SIGTERM, &action, nullptr);
-}
-
 // The listed actors that any pattern matches, each once, in the list's order. A pattern that
 // matches nothing is reported.
-std::vector<ListedActor> Select(const std::vector<ListedActor>& listed, const std::vector<std::string>& patterns) {
+std::vector<ListedEntry> Select(const std::vector<ListedEntry>& listed, const std::vector<std::string>& patterns) {
   std::vector<bool> chosen(listed.size(), false);
   for (const std::string& pattern : patterns) {
     bool any = false;
@@ -41,7 +25,7 @@ std::vector<ListedActor> Select(const std::vector<ListedActor>& listed, const st
     }
     if (!any) std::fprintf(stderr, "tarnwick-cli: no actor matches \"%s\"\n", pattern.c_str());
   }
-  std::vector<ListedActor> actors;
+  std::vector<ListedEntry> actors;
   for (size_t i = 0; i < listed.size(); ++i) {
     if (chosen[i]) actors.push_back(listed[i]);
   }
@@ -68,7 +52,7 @@ int RunBatchConvert(const CliOptions& options) {
   if (!session.Open(options)) return kExitNothingStarted;
   AppState& app = session.App();
   const ExportFormat format = CliFormat(options, ExportFormat::kFbx);
-  std::vector<BatchActor> actors = BatchOf(Select(ListedActors(app), options.arguments));
+  std::vector<BatchActor> actors = BatchOf(Select(ListedEntries(app), options.arguments));
   if (actors.empty()) return kExitNothingStarted;
   NameOutputs(actors, format == ExportFormat::kGlb ? ".glb" : ".fbx");
 
@@ -77,7 +61,7 @@ int RunBatchConvert(const CliOptions& options) {
                                             options.textures, textures);
   settings.rig = options.rig;
   settings.rigHint = "choose one with --rig NAME";
-  CatchInterrupt();
+  const std::atomic<bool>& stopRequested = CatchInterrupt();
   BatchProgress progress(stdout, isatty(STDOUT_FILENO) != 0, u32(actors.size()));
   std::vector<BatchActorResult> results;
   const BatchSummary summary =

@@ -33,8 +33,8 @@ const char* StateWord(BatchState state) {
 
 }  // namespace
 
-BatchProgress::BatchProgress(std::FILE* out, bool isTerminal, u32 count)
-    : stream(out), terminal(isTerminal), total(count), start(std::chrono::steady_clock::now()) {}
+BatchProgress::BatchProgress(std::FILE* out, bool isTerminal, u32 count, const char* done)
+    : stream(out), terminal(isTerminal), total(count), doneWord(done), start(std::chrono::steady_clock::now()) {}
 
 double BatchProgress::ElapsedSeconds() const {
   return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
@@ -56,8 +56,8 @@ void BatchProgress::ActorDone(const BatchActor& actor, const BatchActorResult& r
   drawn = true;
   const double elapsed = ElapsedSeconds();
   const double left = done ? elapsed / done * (total - done) : 0;
-  std::fprintf(stream, "\r\033[K%u/%u converted, %u failed, %u skipped, %s elapsed, %s left", done, total, sofar.failed,
-               sofar.skipped, Clock(elapsed).c_str(), Clock(left).c_str());
+  std::fprintf(stream, "\r\033[K%u/%u %s, %u failed, %u skipped, %s elapsed, %s left", done, total, doneWord,
+               sofar.failed, sofar.skipped, Clock(elapsed).c_str(), Clock(left).c_str());
   std::fflush(stream);
 }
 
@@ -67,9 +67,9 @@ void BatchProgress::Finish() {
 
 void PrintBatchSummary(std::FILE* stream, const std::vector<BatchActor>& actors,
                        const std::vector<BatchActorResult>& results, const BatchSummary& summary, double seconds,
-                       bool stopped) {
-  std::fprintf(stream, "%s %zu actors in %.1f s: %u written, %u failed, %u skipped", stopped ? "Stopped;" : "Converted",
-               actors.size(), seconds, summary.written, summary.failed, summary.skipped);
+                       bool stopped, const BatchWords& what) {
+  std::fprintf(stream, "%s %zu %s in %.1f s: %u written, %u failed, %u skipped", stopped ? "Stopped;" : what.done,
+               actors.size(), what.items, seconds, summary.written, summary.failed, summary.skipped);
   if (summary.notStarted) std::fprintf(stream, ", %u not started", summary.notStarted);
   std::fputs(".\n", stream);
   for (const BatchState state : {BatchState::kFailed, BatchState::kSkipped}) {

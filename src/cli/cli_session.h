@@ -22,6 +22,7 @@ struct CliOptions {
   u32 jobs = 0;                        // convert --jobs: conversions at once; 0 for one per processor
   bool textures = false;               // convert --textures: the textures as PNG files beside each file
   std::string format;                  // convert --format: "fbx" or "glb"; empty: by -o's extension, FBX for a batch
+  std::string images;                  // extract --images: "png" writes images as PNG; empty: as stored
 };
 
 class CliSession {
@@ -54,5 +55,7 @@ inline ExportFormat CliFormat(const CliOptions& options, ExportFormat otherwise)
   return options.format == "fbx" ? ExportFormat::kFbx : otherwise;
 }
 
+int RunFiles(const CliOptions& options);
+int RunExtract(const CliOptions& options);
 int RunConvert(const CliOptions& options);
 int RunBatchConvert(const CliOptions& options);

@@ -25,8 +25,8 @@ int RunConvert(const CliOptions& options) {
   CliSession session;
   if (!session.Open(options)) return kExitNothingStarted;
   AppState& app = session.App();
-  const std::vector<ListedActor> actors = ListedActors(app);
-  const ListedActor* actor = FindListedActor(actors, options.argument);
+  const std::vector<ListedEntry> actors = ListedEntries(app);
+  const ListedEntry* actor = FindListedEntry(actors, options.argument);
   if (!actor) {
     std::fprintf(stderr, "tarnwick-cli: no actor \"%s\" in this game (see tarnwick-cli list)\n",
                  options.argument.c_str());

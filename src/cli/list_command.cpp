@@ -13,7 +13,7 @@ int RunList(const CliOptions& options) {
   if (!session.Open(options)) return kExitNothingStarted;
   TStringBufferA<260> pattern;
   if (!SearchPattern(options.argument.c_str(), pattern)) return kExitNothingStarted;
-  for (const ListedActor& actor : ListedActors(session.App())) {
+  for (const ListedEntry& actor : ListedEntries(session.App())) {
     if (options.argument.empty() || WildcardMatch(actor.name.c_str(), pattern.Text()))
       std::printf("%s\n", actor.name.c_str());
   }

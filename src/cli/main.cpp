@@ -14,6 +14,13 @@ constexpr const char* kUsage =
     "Commands:\n"
     "  games                          the installed games that were found\n"
     "  list [PATTERN]                 the actor definitions, sorted; PATTERN filters as the search box\n"
+    "  files [PATTERN]                every file of the packs, sorted: its size in bytes, a tab and\n"
+    "                                 its name; PATTERN filters as the search box\n"
+    "  extract PATTERN... --out-dir DIR [--images png] [--jobs N]\n"
+    "                                 writes every file that a pattern matches (whole names, as for\n"
+    "                                 convert) below DIR as it is stored, its name's folders as\n"
+    "                                 folders; with --images png each image the preview decodes\n"
+    "                                 (DDS, PNG, JPEG, TGA, BMP) as a PNG of its first level\n"
     "  convert ACTOR -o FILE.fbx|FILE.glb [--format fbx|glb] [--rig NAME] [--textures]\n"
     "                                 writes one actor, as FBX or glTF binary by the file's\n"
     "                                 extension unless --format says; --rig picks the rig by\n"
@@ -87,6 +94,8 @@ int main(int argc, char** argv) {
       options.textures = true;
     } else if (arg == "--format") {
       ok = take(options.format) && (options.format == "fbx" || options.format == "glb");
+    } else if (arg == "--images") {
+      ok = take(options.images) && options.images == "png";
     } else if (arg == "--out-dir") {
       ok = take(options.outDir);
     } else if (arg == "--jobs") {
@@ -104,6 +113,7 @@ int main(int argc, char** argv) {
       std::fprintf(stderr, "tarnwick-cli: %s needs a value%s\n", arg.c_str(),
                    arg == "--jobs"     ? " from 1 to 64"
                    : arg == "--format" ? ": fbx or glb"
+                   : arg == "--images" ? ": png"
                    : arg == "--prefix" ? ": an existing folder"
                                        : "");
       return kExitNothingStarted;
@@ -111,12 +121,14 @@ int main(int argc, char** argv) {
   }
   if (!options.arguments.empty()) options.argument = options.arguments[0];
   // Only a batch takes several words after its command.
-  if (options.arguments.size() > 1 && !(command == "convert" && !options.outDir.empty())) {
+  if (options.arguments.size() > 1 && !(command == "convert" && !options.outDir.empty()) && command != "extract") {
     std::fprintf(stderr, "tarnwick-cli: unexpected %s\n", options.arguments[1].c_str());
     return kExitNothingStarted;
   }
   if (command == "games") return RunGames(options);
   if (command == "list") return RunList(options);
+  if (command == "files") return RunFiles(options);
+  if (command == "extract") return RunExtract(options);
   if (command == "convert") return options.outDir.empty() ? RunConvert(options) : RunBatchConvert(options);
   std::fprintf(stderr, "%s%s", command.empty() ? "" : ("tarnwick-cli: unknown command " + command + "\n\n").c_str(),
                kUsage);

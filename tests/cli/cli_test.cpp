@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "assets/pack_index.h"
 #include "core/hash.h"
 #include "game_writers/model_writer.h"
 #include "game_writers/pack_writer.h"
@@ -12,6 +13,7 @@
 #include "game_writers/sample_game.h"
 #include "game_writers/skinned_actor.h"
 #include "game_writers/xml_writer.h"
+#include "image/image_decode.h"
 #include "support/shell_run.h"
 #include "support/temp_dir.h"
 #include "support/wine_prefix.h"
@@ -238,6 +240,58 @@ TEST(Cli, EveryCommandOpensAGameFolderAsTheWindowDoesAndExitsByOneMeaning) {
     }
   }
   EXPECT_FALSE(std::filesystem::exists(dir.Join("scarecrow.fbx")));
+}
+
+// Every file of the sample game listed with its size, and extracted: raw as stored, and with
+// --images png each image as the preview decodes it.
+TEST(Cli, FilesListsEveryFileAndExtractWritesThemWithImagesAsThePreviewDecodesThem) {
+  testsupport::TempDir dir;
+  ASSERT_TRUE(gamewriters::BuildSampleGame(dir.Path(), nullptr));
+  const gamewriters::SampleGamePaths layout = gamewriters::SampleGameLayout(dir.Path());
+  const std::string game = "--game-dir '" + layout.game + "' ";
+  PackIndex packs;
+  ASSERT_TRUE(packs.Open((layout.game + "/Resources/Assets").c_str()));
+  const CliRun files = Cli(game + "files");
+  EXPECT_EQ(files.status, 0);
+  const std::vector<std::string> lines = Lines(files.out);
+  ASSERT_EQ(lines.size(), packs.EntryCount());
+  for (const std::string& line : lines) {
+    const size_t tab = line.find('\t');
+    ASSERT_NE(tab, std::string::npos) << line;
+    const PackEntry* entry = packs.Find(line.substr(tab + 1).c_str());
+    ASSERT_TRUE(entry) << line;
+    EXPECT_EQ(line.substr(0, tab), std::to_string(entry->size));
+  }
+  EXPECT_EQ(Lines(Cli(game + "files _d.").out).size(), 13u) << "the search box's matching: the diffuse textures";
+
+  const std::string raw = dir.Join("raw"), png = dir.Join("png");
+  EXPECT_EQ(Cli(game + "extract '*' --out-dir '" + raw + "' --jobs 2").status, 0);
+  EXPECT_EQ(Cli(game + "extract 'textures\\*' --out-dir '" + png + "' --images png").status, 0);
+  size_t images = 0;
+  for (u32 i = 0; i < packs.EntryCount(); ++i) {
+    std::string path = packs.NameAt(i);
+    for (char& c : path) c = c == '\\' ? '/' : c;
+    CByteBuffer stored;
+    ASSERT_TRUE(packs.FetchByName(packs.NameAt(i), stored));
+    EXPECT_EQ(gamewriters::ReadFileBytes(raw + "/" + path),
+              std::string(reinterpret_cast<const char*>(stored.Data()), stored.Size()))
+        << path;
+    if (!path.starts_with("textures/")) continue;
+    DecodedImage expected, extracted;
+    ASSERT_TRUE(DecodeImage(stored.Data(), stored.Size(), expected)) << path;
+    const std::string bytes = gamewriters::ReadFileBytes(png + "/" + path.substr(0, path.rfind('.')) + ".png");
+    ASSERT_TRUE(DecodeImage(reinterpret_cast<const u8*>(bytes.data()), bytes.size(), extracted)) << path;
+    EXPECT_EQ(extracted.width, expected.width);
+    EXPECT_EQ(extracted.height, expected.height);
+    EXPECT_TRUE(
+        std::equal(extracted.pixels.begin(), extracted.pixels.end(), expected.pixels.begin(), expected.pixels.end()))
+        << path;
+    ++images;
+  }
+  EXPECT_EQ(images, 13u);
+  EXPECT_EQ(Cli(game + "extract 'nothing*' --out-dir '" + png + "'").status, 2);
+  EXPECT_EQ(Cli(game + "extract '*'").status, 2) << "no --out-dir";
+  EXPECT_EQ(Cli(game + "extract '*' --out-dir x --images jpg").status, 2);
 }
 
 TEST(Cli, FindsListsAndConvertsAGameInAProtonPrefixOrAPrefixGivenByHand) {

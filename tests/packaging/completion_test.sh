@@ -37,8 +37,9 @@ touch "$files/actor.fbx" "$files/actor.glb" "$files/notes.txt"
 # Each case: the command line, then what Tab offers at its end.
 cases=(
   "tarnwick-cli conv|convert"
-  "tarnwick-cli |convert games list"
+  "tarnwick-cli |convert extract files games list"
   "tarnwick-cli --format |fbx glb"
+  "tarnwick-cli extract '*' --out-dir out --images |png"
   "tarnwick-cli convert 'actors\\*' --out-dir out --format g|glb"
   "tarnwick-cli --game-dir list l|list"
   "tarnwick-cli --jobs 4 --game g|"

@@ -1,0 +1,62 @@
+#include <unistd.h>
+
+#include <cstdio>
+
+#include "app/extract_files.h"
+#include "assets/wildcard_match.h"
+#include "cli/batch_progress.h"
+#include "cli/cli_session.h"
+#include "cli/interrupt.h"
+#include "platform/parallel_for.h"
+
+namespace {
+
+// The files that any pattern matches whole, each once, in the list's order. A pattern that
+// matches nothing is reported.
+std::vector<ListedEntry> Select(const std::vector<ListedEntry>& files, const std::vector<std::string>& patterns) {
+  std::vector<bool> chosen(files.size(), false);
+  for (const std::string& pattern : patterns) {
+    bool any = false;
+    for (size_t i = 0; i < files.size(); ++i) {
+      if (WildcardMatch(files[i].name.c_str(), pattern.c_str())) chosen[i] = any = true;
+    }
+    if (!any) std::fprintf(stderr, "tarnwick-cli: no file matches \"%s\"\n", pattern.c_str());
+  }
+  std::vector<ListedEntry> selected;
+  for (size_t i = 0; i < files.size(); ++i) {
+    if (chosen[i]) selected.push_back(files[i]);
+  }
+  return selected;
+}
+
+}  // namespace
+
+// Every file that a pattern matches, below --out-dir, as stored or (--images png) images as PNG,
+// --jobs at a time, from one opening of the game. The game's folder is only read.
+int RunExtract(const CliOptions& options) {
+  if (options.arguments.empty() || options.outDir.empty()) {
+    std::fprintf(stderr, "tarnwick-cli: extract needs at least one pattern ('*' for all) and --out-dir DIR\n");
+    return kExitNothingStarted;
+  }
+  if (!options.output.empty() || !options.format.empty() || !options.rig.empty() || options.textures) {
+    std::fprintf(stderr, "tarnwick-cli: extract takes only --out-dir, --images and --jobs\n");
+    return kExitNothingStarted;
+  }
+  CliSession session;
+  if (!session.Open(options)) return kExitNothingStarted;
+  const std::vector<ListedEntry> files = Select(PackFiles(session.App().packIndex), options.arguments);
+  if (files.empty()) return kExitNothingStarted;
+
+  const ExtractSettings settings{.outDir = options.outDir,
+                                 .jobs = options.jobs ? options.jobs : ProcessorCount(),
+                                 .imagesAsPng = options.images == "png"};
+  std::vector<ExtractTarget> targets;
+  const std::vector<BatchActor> batch = ExtractBatch(files, settings, targets);
+  const std::atomic<bool>& stopRequested = CatchInterrupt();
+  BatchProgress progress(stdout, isatty(STDOUT_FILENO) != 0, u32(batch.size()), "extracted");
+  std::vector<BatchActorResult> results;
+  const BatchSummary summary = RunExtract(batch, targets, settings, &progress, stopRequested, results);
+  progress.Finish();
+  PrintBatchSummary(stdout, batch, results, summary, progress.ElapsedSeconds(), stopRequested, {"Extracted", "files"});
+  return summary.written == batch.size() ? kExitDone : kExitSomeFailed;
+}
