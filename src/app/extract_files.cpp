@@ -27,8 +27,8 @@ void Count(BatchSummary& summary, BatchState state) {
 }
 
 // One file: its bytes, as PNG where asked and the image decodes, below the tree.
-void ExtractOne(const BatchActor& file, const ExtractTarget& target, const OutputTree& tree, BatchActorResult& result) {
-  if (target.path.empty()) {
+void ExtractOne(const BatchActor& file, bool asPng, const OutputTree& tree, BatchActorResult& result) {
+  if (file.output.empty()) {
     result.state = BatchState::kSkipped;
     result.line = "its name leaves nothing to write";
     return;
@@ -42,8 +42,8 @@ void ExtractOne(const BatchActor& file, const ExtractTarget& target, const Outpu
   TexturePng png;
   const void* data = bytes.Data();
   u64 size = bytes.Size();
-  std::vector<std::string> path = target.path;
-  if (target.asPng) {
+  std::string path = file.output;
+  if (asPng) {
     if (MakeTexturePng(bytes.Data(), bytes.Size(), AlphaForm::kAsStored, png)) {
       data = png.png.data();
       size = png.png.size();
@@ -54,8 +54,7 @@ void ExtractOne(const BatchActor& file, const ExtractTarget& target, const Outpu
       const std::string extension = dot != std::string::npos && (slash == std::string::npos || dot > slash)
                                         ? file.name.substr(dot)
                                         : std::string();
-      std::string& last = path.back();
-      last = last.substr(0, last.size() - 4) + extension;
+      path = path.substr(0, path.size() - 4) + extension;
       result.notes.push_back("can't be decoded; written as it is stored");
     }
   }
@@ -97,27 +96,16 @@ bool IsImageName(const std::string& name) {
 }
 
 std::vector<BatchActor> ExtractBatch(const std::vector<ListedEntry>& files, const ExtractSettings& settings,
-                                     std::vector<ExtractTarget>& targets) {
-  std::vector<std::string> names, extensions;
-  names.reserve(files.size());
-  extensions.reserve(files.size());
-  for (const ListedEntry& file : files) {
-    names.push_back(file.name);
-    extensions.push_back(settings.imagesAsPng && IsImageName(file.name) ? ".png" : "");
-  }
-  const std::vector<std::vector<std::string>> paths = ExtractPaths(names, extensions);
+                                     std::vector<bool>& asPng) {
+  asPng.assign(files.size(), false);
+  for (size_t i = 0; i < files.size(); ++i) asPng[i] = settings.imagesAsPng && IsImageName(files[i].name);
+  std::vector<std::string> paths = ExtractPaths(files, asPng);
   std::vector<BatchActor> batch(files.size());
-  targets.assign(files.size(), {});
-  for (size_t i = 0; i < files.size(); ++i) {
-    std::string output;
-    for (const std::string& part : paths[i]) output += (output.empty() ? "" : "/") + part;
-    batch[i] = {files[i].entry, files[i].name, output};
-    targets[i] = {paths[i], !extensions[i].empty()};
-  }
+  for (size_t i = 0; i < files.size(); ++i) batch[i] = {files[i].entry, files[i].name, std::move(paths[i])};
   return batch;
 }
 
-BatchSummary RunExtract(const std::vector<BatchActor>& files, const std::vector<ExtractTarget>& targets,
+BatchSummary RunExtract(const std::vector<BatchActor>& files, const std::vector<bool>& asPng,
                         const ExtractSettings& settings, IBatchObserver* observer, const std::atomic<bool>& stop,
                         std::vector<BatchActorResult>& results) {
   results.assign(files.size(), BatchActorResult{});
@@ -132,7 +120,7 @@ BatchSummary RunExtract(const std::vector<BatchActor>& files, const std::vector<
     const u32 index = order[item];
     BatchActorResult& result = results[index];
     if (open) {
-      ExtractOne(files[index], targets[index], tree, result);
+      ExtractOne(files[index], asPng[index], tree, result);
     } else {
       result.state = BatchState::kFailed;
       result.line = "Failed to write below \"" + settings.outDir + "\": " + error;

@@ -22,21 +22,15 @@ struct ExtractSettings {
   bool imagesAsPng = false;  // every image the preview decodes as a PNG of its first level
 };
 
-// One file to extract: where it goes (see ExtractPaths; empty for a name that leaves nothing) and
-// whether it is written as PNG.
-struct ExtractTarget {
-  std::vector<std::string> path;
-  bool asPng = false;
-};
-
-// The batch of `files` with their targets: each one's output is its path joined by `/`.
+// The batch of `files`: each one's output is where it goes below the folder (see ExtractPaths;
+// empty for a name that leaves nothing), and `asPng` whether it is written as PNG.
 std::vector<BatchActor> ExtractBatch(const std::vector<ListedEntry>& files, const ExtractSettings& settings,
-                                     std::vector<ExtractTarget>& targets);
+                                     std::vector<bool>& asPng);
 
 // Writes each file below `settings.outDir`, `settings.jobs` at a time, reading each once and holding
 // only those under way; the packs are only read. A file whose name leaves nothing to write is
 // skipped; an image that can't be decoded is written as stored, with a note. Once `stop` is set no
 // further file starts. `results` has one entry per file, in the files' order.
-BatchSummary RunExtract(const std::vector<BatchActor>& files, const std::vector<ExtractTarget>& targets,
+BatchSummary RunExtract(const std::vector<BatchActor>& files, const std::vector<bool>& asPng,
                         const ExtractSettings& settings, IBatchObserver* observer, const std::atomic<bool>& stop,
                         std::vector<BatchActorResult>& results);

@@ -43,7 +43,7 @@ bool IsDrive(const std::string& part) {
   return part.size() == 2 && part[1] == ':' && ((part[0] | 0x20) >= 'a' && (part[0] | 0x20) <= 'z');
 }
 
-std::vector<std::string> Components(const std::string& name, const std::string& newExtension) {
+std::vector<std::string> Components(const std::string& name, bool asPng) {
   std::vector<std::string> parts;
   size_t start = 0;
   for (size_t i = 0; i <= name.size(); ++i) {
@@ -53,11 +53,11 @@ std::vector<std::string> Components(const std::string& name, const std::string& 
     if (part.empty() || part == "." || part == ".." || (parts.empty() && IsDrive(part))) continue;
     parts.push_back(CleanComponent(part));
   }
-  if (!parts.empty() && !newExtension.empty()) {
+  if (!parts.empty() && asPng) {
     std::string& file = parts.back();
     const size_t dot = file.rfind('.');
     if (dot != std::string::npos && dot > 0) file.resize(dot);
-    file += newExtension;
+    file += ".png";
   }
   return parts;
 }
@@ -73,13 +73,12 @@ enum class Kind { kFile, kFolder };
 
 }  // namespace
 
-std::vector<std::vector<std::string>> ExtractPaths(const std::vector<std::string>& names,
-                                                   const std::vector<std::string>& newExtension) {
-  std::vector<std::vector<std::string>> paths(names.size());
+std::vector<std::string> ExtractPaths(const std::vector<ListedEntry>& files, const std::vector<bool>& asPng) {
+  std::vector<std::string> paths(files.size());
   std::unordered_map<std::string, Kind> taken;           // output paths, "a/b", and what stands there
   std::unordered_map<std::string, std::string> folders;  // a folder as the names give it -> as made
-  for (size_t n = 0; n < names.size(); ++n) {
-    std::vector<std::string> parts = Components(names[n], n < newExtension.size() ? newExtension[n] : "");
+  for (size_t n = 0; n < files.size(); ++n) {
+    const std::vector<std::string> parts = Components(files[n].name, n < asPng.size() && asPng[n]);
     if (parts.empty()) continue;
     std::string given, made;  // the folder so far, as given and as made
     for (size_t i = 0; i + 1 < parts.size(); ++i) {
@@ -87,23 +86,21 @@ std::vector<std::vector<std::string>> ExtractPaths(const std::vector<std::string
       const auto known = folders.find(given);
       if (known != folders.end()) {
         made = known->second;
-      } else {
-        // A file already stands where the folder would go: the folder takes the next free name.
-        const std::string plain = made + (i ? "/" : "") + parts[i];
-        std::string path = plain;
-        for (unsigned k = 2; taken.contains(path) && taken[path] == Kind::kFile; ++k) path = Numbered(plain, k);
-        taken[path] = Kind::kFolder;
-        folders[given] = path;
-        made = path;
+        continue;
       }
-      parts[i] = made.substr(made.rfind('/') == std::string::npos ? 0 : made.rfind('/') + 1);
+      // A file already stands where the folder would go: the folder takes the next free name.
+      const std::string plain = made + (i ? "/" : "") + parts[i];
+      std::string path = plain;
+      for (unsigned k = 2; taken.contains(path) && taken[path] == Kind::kFile; ++k) path = Numbered(plain, k);
+      taken[path] = Kind::kFolder;
+      folders[given] = path;
+      made = path;
     }
     const std::string plain = made + (parts.size() > 1 ? "/" : "") + parts.back();
     std::string path = plain;
     for (unsigned k = 2; taken.contains(path); ++k) path = Numbered(plain, k);
     taken[path] = Kind::kFile;
-    parts.back() = path.substr(path.rfind('/') == std::string::npos ? 0 : path.rfind('/') + 1);
-    paths[n] = std::move(parts);
+    paths[n] = std::move(path);
   }
   return paths;
 }

@@ -50,12 +50,12 @@ int RunExtract(const CliOptions& options) {
   const ExtractSettings settings{.outDir = options.outDir,
                                  .jobs = options.jobs ? options.jobs : ProcessorCount(),
                                  .imagesAsPng = options.images == "png"};
-  std::vector<ExtractTarget> targets;
-  const std::vector<BatchActor> batch = ExtractBatch(files, settings, targets);
+  std::vector<bool> asPng;
+  const std::vector<BatchActor> batch = ExtractBatch(files, settings, asPng);
   const std::atomic<bool>& stopRequested = CatchInterrupt();
   BatchProgress progress(stdout, isatty(STDOUT_FILENO) != 0, u32(batch.size()), "extracted");
   std::vector<BatchActorResult> results;
-  const BatchSummary summary = RunExtract(batch, targets, settings, &progress, stopRequested, results);
+  const BatchSummary summary = RunExtract(batch, asPng, settings, &progress, stopRequested, results);
   progress.Finish();
   PrintBatchSummary(stdout, batch, results, summary, progress.ElapsedSeconds(), stopRequested, {"Extracted", "files"});
   return summary.written == batch.size() ? kExitDone : kExitSomeFailed;

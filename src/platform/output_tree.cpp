@@ -11,30 +11,17 @@
 
 #include "platform/folders.h"
 
+struct OutputTree::Folder {
+  explicit Folder(int opened) : fd(opened) {}
+  Folder(const Folder&) = delete;
+  Folder& operator=(const Folder&) = delete;
+  ~Folder() { ::close(fd); }
+  const int fd;
+};
+
 namespace {
 
 std::atomic<u32> gSerial{0};
-
-// An open folder, closed when it goes; the tree's root is never closed by it.
-class FolderHandle {
- public:
-  explicit FolderHandle(int fd, bool owned) : handle(fd), own(owned) {}
-  FolderHandle(const FolderHandle&) = delete;
-  FolderHandle& operator=(const FolderHandle&) = delete;
-  ~FolderHandle() {
-    if (own && handle >= 0) ::close(handle);
-  }
-  int Get() const { return handle; }
-  void Reset(int fd) {
-    if (own && handle >= 0) ::close(handle);
-    handle = fd;
-    own = true;
-  }
-
- private:
-  int handle;
-  bool own;
-};
 
 // The folder `name` in `parent`, made if missing; a link or a file in its place is refused.
 int EnterFolder(int parent, const char* name) {
@@ -61,54 +48,74 @@ bool WriteAll(int fd, const void* data, u64 size) {
   return true;
 }
 
-bool Fail(std::string& error, const char* step) {
+TreeWrite Fail(std::string& error, const char* step, TreeWrite result = TreeWrite::kFailed) {
   error = std::string(step) + std::strerror(errno);
-  return false;
+  return result;
 }
 
 }  // namespace
 
 OutputTree::~OutputTree() {
+  folders.clear();
   if (root >= 0) ::close(root);
 }
 
 bool OutputTree::Open(const std::string& folder, std::string& error) {
-  if (!MakeFolders(folder.c_str())) return Fail(error, "can't make the folder: ");
+  pid = int(::getpid());
+  if (!MakeFolders(folder.c_str())) return Fail(error, "can't make the folder: "), false;
   root = ::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
-  return root >= 0 || Fail(error, "can't open the folder: ");
+  return root >= 0 || (Fail(error, "can't open the folder: "), false);
 }
 
-TreeWrite OutputTree::Write(const std::vector<std::string>& components, const void* data, u64 size,
-                            std::string& error) const {
-  if (root < 0 || components.empty()) {
+std::shared_ptr<OutputTree::Folder> OutputTree::Enter(const std::string& path, TreeWrite& failure) const {
+  {
+    const std::lock_guard guard(lock);
+    const auto known = folders.find(path);
+    if (known != folders.end()) return known->second;
+  }
+  int fd = ::dup(root);
+  for (size_t start = 0; fd >= 0 && start < path.size();) {
+    const size_t end = std::min(path.find('/', start), path.size());
+    const int next = EnterFolder(fd, path.substr(start, end - start).c_str());
+    const int error = errno;
+    ::close(fd);
+    errno = error;
+    fd = next;
+    start = end + 1;
+  }
+  if (fd < 0) {
+    failure = errno == ELOOP || errno == ENOTDIR ? TreeWrite::kLinkInTheWay : TreeWrite::kFailed;
+    return nullptr;
+  }
+  auto folder = std::make_shared<Folder>(fd);
+  const std::lock_guard guard(lock);
+  // Past the limit the folders held so far go; those in use stay open until their files are done.
+  if (folders.size() >= kHeldFolders) folders.clear();
+  return folders.try_emplace(path, folder).first->second;
+}
+
+TreeWrite OutputTree::Write(const std::string& path, const void* data, u64 size, std::string& error) const {
+  const size_t slash = path.rfind('/');
+  const std::string name = slash == std::string::npos ? path : path.substr(slash + 1);
+  if (root < 0 || name.empty()) {
     errno = EINVAL;
-    return Fail(error, ""), TreeWrite::kFailed;
+    return Fail(error, "");
   }
-  FolderHandle folder(root, false);
-  for (size_t i = 0; i + 1 < components.size(); ++i) {
-    const int next = EnterFolder(folder.Get(), components[i].c_str());
-    if (next < 0) {
-      const bool inTheWay = errno == ELOOP || errno == ENOTDIR;
-      Fail(error, "");
-      return inTheWay ? TreeWrite::kLinkInTheWay : TreeWrite::kFailed;
-    }
-    folder.Reset(next);
-  }
-  const std::string& name = components.back();
+  TreeWrite failure = TreeWrite::kFailed;
+  const std::shared_ptr<Folder> folder =
+      Enter(slash == std::string::npos ? std::string() : path.substr(0, slash), failure);
+  if (!folder) return Fail(error, "", failure);
   char temporary[48];
-  std::snprintf(temporary, sizeof(temporary), ".%d-%u.partial", int(::getpid()), gSerial++);
-  const int fd = ::openat(folder.Get(), temporary, O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0666);
-  if (fd < 0) return Fail(error, ""), TreeWrite::kFailed;
+  std::snprintf(temporary, sizeof(temporary), ".%d-%u.partial", pid, gSerial++);
+  const int fd = ::openat(folder->fd, temporary, O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0666);
+  if (fd < 0) return Fail(error, "");
   const bool written = WriteAll(fd, data, size);
   const int writeError = errno;
   const bool closed = ::close(fd) == 0;
   // The rename puts the file in place of whatever entry has its name, a link included.
-  if (written && closed && ::renameat(folder.Get(), temporary, folder.Get(), name.c_str()) == 0) {
-    return TreeWrite::kWritten;
-  }
-  const int failure = written ? errno : writeError;
-  ::unlinkat(folder.Get(), temporary, 0);
-  errno = failure;
-  Fail(error, written && closed ? "rename refused: " : "");
-  return TreeWrite::kFailed;
+  if (written && closed && ::renameat(folder->fd, temporary, folder->fd, name.c_str()) == 0) return TreeWrite::kWritten;
+  const int cause = written ? errno : writeError;
+  ::unlinkat(folder->fd, temporary, 0);
+  errno = cause;
+  return Fail(error, written && closed ? "rename refused: " : "");
 }

@@ -41,11 +41,11 @@ Extraction Extract(const std::string& game, const std::vector<gamewriters::PackF
                                           gamewriters::BuildPack({{gamewriters::PackChunk{entries}}})));
   EXPECT_TRUE(packs.Open(game.c_str()));
   const ExtractSettings settings{.outDir = out, .jobs = 2, .imagesAsPng = imagesAsPng};
-  std::vector<ExtractTarget> targets;
+  std::vector<bool> asPng;
   Extraction run;
-  run.files = ExtractBatch(PackFiles(packs), settings, targets);
+  run.files = ExtractBatch(PackFiles(packs), settings, asPng);
   const std::atomic<bool> stop{false};
-  run.summary = RunExtract(run.files, targets, settings, nullptr, stop, run.results);
+  run.summary = RunExtract(run.files, asPng, settings, nullptr, stop, run.results);
   return run;
 }
 
