@@ -2,6 +2,8 @@
 
 #include <strings.h>
 
+#include "assets/wildcard_match.h"
+
 std::vector<ListedEntry> ListedEntries(AppState& app, const std::vector<i32>& indices) {
   std::vector<ListedEntry> actors;
   actors.reserve(indices.size());
@@ -22,6 +24,24 @@ std::vector<ListedEntry> ListedEntries(AppState& app) {
   std::vector<i32> all(size_t(count > 0 ? count : 0));
   for (i32 i = 0; i < count; ++i) all[size_t(i)] = i;
   return ListedEntries(app, all);
+}
+
+std::vector<ListedEntry> MatchingEntries(const std::vector<ListedEntry>& entries,
+                                         const std::vector<std::string>& patterns,
+                                         std::vector<std::string>& unmatched) {
+  std::vector<bool> chosen(entries.size(), false);
+  for (const std::string& pattern : patterns) {
+    bool any = false;
+    for (size_t i = 0; i < entries.size(); ++i) {
+      if (WildcardMatch(entries[i].name.c_str(), pattern.c_str())) chosen[i] = any = true;
+    }
+    if (!any) unmatched.push_back(pattern);
+  }
+  std::vector<ListedEntry> matching;
+  for (size_t i = 0; i < entries.size(); ++i) {
+    if (chosen[i]) matching.push_back(entries[i]);
+  }
+  return matching;
 }
 
 const ListedEntry* FindListedEntry(const std::vector<ListedEntry>& actors, const std::string& name) {

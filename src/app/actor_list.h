@@ -17,5 +17,10 @@ std::vector<ListedEntry> ListedEntries(AppState& app, const std::vector<i32>& in
 // Every item of the file list, in the list's order.
 std::vector<ListedEntry> ListedEntries(AppState& app);
 
+// The entries whose names any of `patterns` matches whole (the search's wildcards), each once, in
+// their order; `unmatched` gets the patterns that match none.
+std::vector<ListedEntry> MatchingEntries(const std::vector<ListedEntry>& entries,
+                                         const std::vector<std::string>& patterns, std::vector<std::string>& unmatched);
+
 // The listed actor called `name`, ignoring case as the list's order does; null when none is.
 const ListedEntry* FindListedEntry(const std::vector<ListedEntry>& actors, const std::string& name);

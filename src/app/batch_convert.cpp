@@ -33,6 +33,8 @@ class BatchQuestions final : public ISaveDialog {
   bool folderFailed = false;
 };
 
+}  // namespace
+
 void Count(BatchSummary& summary, BatchState state) {
   switch (state) {
     case BatchState::kWritten: ++summary.written; break;
@@ -41,8 +43,6 @@ void Count(BatchSummary& summary, BatchState state) {
     case BatchState::kNotStarted: ++summary.notStarted; break;
   }
 }
-
-}  // namespace
 
 std::vector<BatchActor> BatchOf(const std::vector<ListedEntry>& actors) {
   std::vector<BatchActor> batch;

@@ -45,6 +45,9 @@ struct BatchSummary {
   u32 notStarted = 0;  // left when the batch was stopped
 };
 
+// Counts one item that ended in `state`.
+void Count(BatchSummary& summary, BatchState state);
+
 // The order in which a batch takes its actors: round the output folders, one actor of each in
 // turn. Actors of one folder lie together in the list, and the file system serialises the files
 // made in one folder; so the jobs work in different folders at once.

@@ -17,15 +17,6 @@ namespace {
 
 constexpr const char* kImageExtensions[] = {".dds", ".png", ".jpg", ".jpeg", ".tga", ".bmp"};
 
-void Count(BatchSummary& summary, BatchState state) {
-  switch (state) {
-    case BatchState::kWritten: ++summary.written; break;
-    case BatchState::kFailed: ++summary.failed; break;
-    case BatchState::kSkipped: ++summary.skipped; break;
-    case BatchState::kNotStarted: ++summary.notStarted; break;
-  }
-}
-
 // One file: its bytes, as PNG where asked and the image decodes, below the tree.
 void ExtractOne(const BatchActor& file, bool asPng, const OutputTree& tree, BatchActorResult& result) {
   if (file.output.empty()) {

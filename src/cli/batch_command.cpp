@@ -12,24 +12,13 @@
 
 namespace {
 
-// The listed actors that any pattern matches, each once, in the list's order. A pattern that
-// matches nothing is reported.
-std::vector<ListedEntry> Select(const std::vector<ListedEntry>& listed, const std::vector<std::string>& patterns) {
-  std::vector<bool> chosen(listed.size(), false);
-  for (const std::string& pattern : patterns) {
-    bool any = false;
-    for (size_t i = 0; i < listed.size(); ++i) {
-      if (!WildcardMatch(listed[i].name.c_str(), pattern.c_str())) continue;
-      chosen[i] = true;
-      any = true;
-    }
-    if (!any) std::fprintf(stderr, "tarnwick-cli: no actor matches \"%s\"\n", pattern.c_str());
-  }
-  std::vector<ListedEntry> actors;
-  for (size_t i = 0; i < listed.size(); ++i) {
-    if (chosen[i]) actors.push_back(listed[i]);
-  }
-  return actors;
+// The entries that the patterns match; a pattern that matches none is reported.
+std::vector<ListedEntry> Select(const std::vector<ListedEntry>& entries, const std::vector<std::string>& patterns) {
+  std::vector<std::string> unmatched;
+  std::vector<ListedEntry> selected = MatchingEntries(entries, patterns, unmatched);
+  for (const std::string& pattern : unmatched)
+    std::fprintf(stderr, "tarnwick-cli: no actor matches \"%s\"\n", pattern.c_str());
+  return selected;
 }
 
 }  // namespace

@@ -11,21 +11,12 @@
 
 namespace {
 
-// The files that any pattern matches whole, each once, in the list's order. A pattern that
-// matches nothing is reported.
-std::vector<ListedEntry> Select(const std::vector<ListedEntry>& files, const std::vector<std::string>& patterns) {
-  std::vector<bool> chosen(files.size(), false);
-  for (const std::string& pattern : patterns) {
-    bool any = false;
-    for (size_t i = 0; i < files.size(); ++i) {
-      if (WildcardMatch(files[i].name.c_str(), pattern.c_str())) chosen[i] = any = true;
-    }
-    if (!any) std::fprintf(stderr, "tarnwick-cli: no file matches \"%s\"\n", pattern.c_str());
-  }
-  std::vector<ListedEntry> selected;
-  for (size_t i = 0; i < files.size(); ++i) {
-    if (chosen[i]) selected.push_back(files[i]);
-  }
+// The entries that the patterns match; a pattern that matches none is reported.
+std::vector<ListedEntry> Select(const std::vector<ListedEntry>& entries, const std::vector<std::string>& patterns) {
+  std::vector<std::string> unmatched;
+  std::vector<ListedEntry> selected = MatchingEntries(entries, patterns, unmatched);
+  for (const std::string& pattern : unmatched)
+    std::fprintf(stderr, "tarnwick-cli: no file matches \"%s\"\n", pattern.c_str());
   return selected;
 }
 
