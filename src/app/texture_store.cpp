@@ -1,5 +1,7 @@
 #include "app/texture_store.h"
 
+#include <cstdio>
+#include <memory>
 #include <vector>
 
 #include "core/byte_buffer.h"
@@ -12,16 +14,20 @@ bool WriteFile(const std::string& path, const std::vector<u8>& bytes, bool flush
   return file.Open(path.c_str()) && file.Write(bytes.data(), bytes.size()) && file.Commit(flush);
 }
 
+struct FileClose {
+  void operator()(std::FILE* file) const { std::fclose(file); }
+};
+
 // A copy of a file written before; false when it can't be read or written.
 bool CopyFile(const std::string& from, const std::string& to, bool flush) {
-  std::FILE* source = std::fopen(from.c_str(), "rb");
+  const std::unique_ptr<std::FILE, FileClose> source(std::fopen(from.c_str(), "rb"));
   if (!source) return false;
   std::vector<u8> bytes;
   u8 chunk[65536];
-  for (size_t n; (n = std::fread(chunk, 1, sizeof(chunk), source)) > 0;) bytes.insert(bytes.end(), chunk, chunk + n);
-  const bool read = !std::ferror(source);
-  std::fclose(source);
-  return read && !bytes.empty() && WriteFile(to, bytes, flush);
+  for (size_t n; (n = std::fread(chunk, 1, sizeof(chunk), source.get())) > 0;) {
+    bytes.insert(bytes.end(), chunk, chunk + n);
+  }
+  return !std::ferror(source.get()) && !bytes.empty() && WriteFile(to, bytes, flush);
 }
 
 // Both files of a texture, its alpha only where it has one.

@@ -17,6 +17,10 @@ struct ContextDeleter {
   void operator()(spng_ctx* context) const { spng_ctx_free(context); }
 };
 
+struct MallocFree {
+  void operator()(u8* block) const { std::free(block); }
+};
+
 // The pixels of `image` with only `channels` kept, tightly packed.
 std::vector<u8> Pack(const DecodedImage& image, PngChannels channels) {
   const size_t pixels = size_t(image.width) * image.height;
@@ -73,12 +77,9 @@ bool EncodePng(const DecodedImage& image, std::vector<u8>& png, PngChannels chan
   if (spng_encode_image(context.get(), pixels, length, SPNG_FMT_PNG, SPNG_ENCODE_FINALIZE) != 0) return false;
   size_t written = 0;
   int error = 0;
-  void* bytes = spng_get_png_buffer(context.get(), &written, &error);
-  if (!bytes || error != 0) {
-    std::free(bytes);
-    return false;
-  }
-  png.assign(static_cast<const u8*>(bytes), static_cast<const u8*>(bytes) + written);
-  std::free(bytes);  // the encoder's buffer is the caller's, from malloc
+  // The encoder's buffer is the caller's, from malloc; it goes even when the copy throws.
+  const std::unique_ptr<u8, MallocFree> bytes(static_cast<u8*>(spng_get_png_buffer(context.get(), &written, &error)));
+  if (!bytes || error != 0) return false;
+  png.assign(bytes.get(), bytes.get() + written);
   return true;
 }
