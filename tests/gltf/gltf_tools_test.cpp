@@ -56,7 +56,8 @@ class GltfTools : public testing::Test {
                             Quoted(gamewriters::SampleGameLayout(dir->Path()).userData) + " convert '*' --rig Idle ";
     const std::string out = dir->Join("out");
     for (const std::string& options : {"--format glb --out-dir " + out, "--out-dir " + out,
-                                       "--format glb --textures --out-dir " + dir->Join("textured")}) {
+                                       "--format glb --textures --out-dir " + dir->Join("textured"),
+                                       "--textures --out-dir " + dir->Join("textured")}) {
       ASSERT_EQ(Shell(cli + options + " >/dev/null 2>&1").status, 0) << options;
     }
     // Chains of bones and two UV sets; a vertex that no rig bone weighs; more vertices than
@@ -147,6 +148,36 @@ TEST_F(GltfTools, EveryActorPassesTheKhronosValidatorWithoutErrorOrWarning) {
       EXPECT_EQ(material.value("alphaMode", ""), file.ends_with("wisp.glb") ? "BLEND" : "") << file;
     }
   }
+}
+
+// Every textured mesh of the sample game, as Blender imports it from either format: opaque but
+// for the wisp, whose material is see-through and blends by its image's alpha.
+TEST_F(GltfTools, BlenderTakesOnlyTheSeeThroughMaterialsAlphaAsOpacity) {
+  std::string command =
+      "blender -b --factory-startup --python " TARNWICK_TEST_SOURCE_DIR "/app/blender_opacity_probe.py --";
+  std::vector<std::string> files = Files(dir->Join("textured"), ".glb");
+  const std::vector<std::string> fbx = Files(dir->Join("textured"), ".fbx");
+  files.insert(files.end(), fbx.begin(), fbx.end());
+  ASSERT_EQ(files.size(), 20u);
+  for (const std::string& file : files) AppendWord(command, file);
+  const ShellRun run = Shell(command + " 2>/dev/null");
+  size_t meshes = 0, probed = 0;
+  for (size_t at = 0; (at = run.out.find("OPACITY ", at)) != std::string::npos; ++at, ++probed) {
+    const size_t nameEnd = run.out.find(' ', at + 8);
+    const std::string file = run.out.substr(at + 8, nameEnd - at - 8);
+    const nlohmann::json probe =
+        nlohmann::json::parse(run.out.substr(nameEnd + 1, run.out.find('\n', at) - nameEnd - 1), nullptr, false);
+    ASSERT_FALSE(probe.is_discarded()) << file;
+    const bool seeThrough = file.find("/wisp.") != std::string::npos;
+    EXPECT_FALSE(probe.empty()) << file << ": every actor of the sample game is textured";
+    for (const auto& [name, mesh] : probe.items()) {
+      EXPECT_EQ(mesh["alpha_linked"], seeThrough) << file << " " << name;
+      EXPECT_EQ(mesh["blend"], seeThrough ? "BLEND" : "OPAQUE") << file << " " << name;
+      ++meshes;
+    }
+  }
+  EXPECT_EQ(probed, files.size()) << run.out;
+  EXPECT_GE(meshes, 2 * 13u) << "the textured meshes of both formats";
 }
 
 TEST_F(GltfTools, BlenderImportsTheGlbWithTheSameBoneHeadsVerticesAndUvsAsTheFbx) {
