@@ -118,6 +118,8 @@ BatchSummary RunBatch(const GameTables& game, const std::vector<BatchActor>& act
       result.state = BatchState::kFailed;
       result.line = questions.folderFailed ? "Failed to make the folder of \"" + actor.output + "\"."
                                            : std::string(outcome.logLine.Text());
+      // A failed write's line says which file; its reason, what failed.
+      if (!outcome.reason.empty()) result.line += " " + outcome.reason;
     }
     const std::lock_guard lock(report);
     Count(sofar, result.state);

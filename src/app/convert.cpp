@@ -16,5 +16,6 @@ void Convert(AppState& app, ISaveDialog& save, IRigDialog& rigDialog, const Conv
 
 void LogOutcome(AppState& app, const ConvertOutcome& outcome) {
   for (const std::string& note : outcome.notes) Log(app, "%s", note.c_str());
+  if (!outcome.reason.empty()) Log(app, "%s", outcome.reason.c_str());
   if (outcome.logLine.Length()) Log(app, "%s", outcome.logLine.Text());
 }

@@ -9,5 +9,6 @@
 // `options` turns on what goes beyond the model itself (textures).
 void Convert(AppState& app, ISaveDialog& save, IRigDialog& rigDialog, const ConvertOptions& options = {});
 
-// Logs what a conversion has to say: a line for each texture it left out, then its failure's line.
+// Logs what a conversion has to say: a line for each texture it left out, what failed in a write
+// that failed, then its failure's line.
 void LogOutcome(AppState& app, const ConvertOutcome& outcome);

@@ -35,7 +35,8 @@ void FailBuild(ConvertOutcome& outcome, SceneBuildResult result) {
   }
 }
 
-void FailWrite(ConvertOutcome& outcome, const char* path) {
+void FailWrite(ConvertOutcome& outcome, const char* path, std::string reason) {
+  outcome.reason = std::move(reason);
   TStringBufferA<kSavePathSize> shown;
   DisplayPath(path, shown);
   Fail(outcome, ConvertResult::kWriteFailed, "Failed to write \"%s\".", shown.Text());
@@ -62,7 +63,8 @@ void ExportGlb(const ExportScene& scene, const GameTables& game, const char* pat
   }
   GltfDocument document;
   BuildGltf(scene, images, document);
-  if (!WriteGlb(document, path, !options.batch)) return FailWrite(outcome, path);
+  std::string reason;
+  if (!WriteGlb(document, path, !options.batch, &reason)) return FailWrite(outcome, path, std::move(reason));
   outcome.result = ConvertResult::kWritten;
 }
 
@@ -76,10 +78,15 @@ void ExportFbx(ExportScene& scene, const GameTables& game, const char* path, Con
   ActorTextures textures;
   if (options.textures) {
     StoreChoice store(options);
-    if (!ExportActorTextures(state, scene, game.packs, path, store.Get(), textures)) return FailWrite(outcome, path);
+    if (!ExportActorTextures(state, scene, game.packs, path, store.Get(), textures)) {
+      return FailWrite(outcome, path, "Out of memory");
+    }
     outcome.notes = textures.notes;
   }
-  if (!WriteScene(state.fbxManager.get(), state.fbxScene, path, options.batch)) return FailWrite(outcome, path);
+  std::string reason;
+  if (!WriteScene(state.fbxManager.get(), state.fbxScene, path, options.batch, &reason)) {
+    return FailWrite(outcome, path, std::move(reason));
+  }
   textures.keep = true;
   outcome.result = ConvertResult::kWritten;
 }
@@ -114,6 +121,7 @@ void ExportActor(const GameTables& game, const char* actorName, const ActorDefin
                  const ModelMaterials& materials, const ConvertQuestions& questions, ConvertOutcome& outcome,
                  const ConvertOptions& options) {
   outcome.notes.clear();
+  outcome.reason.clear();
   ExportScene scene;
   // The standard containers report refused memory by throwing: it ends this conversion with its
   // line, nothing written, and never the program.
@@ -134,7 +142,7 @@ void ExportActor(const GameTables& game, const char* actorName, const ActorDefin
     ExportFbx(scene, game, path.Text(), outcome, options);
   } catch (const std::bad_alloc&) {
     outcome.notes.clear();
-    FailWrite(outcome, path.Text());
+    FailWrite(outcome, path.Text(), "Out of memory");
   }
 }
 

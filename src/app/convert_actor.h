@@ -39,6 +39,7 @@ enum class ConvertResult {
 struct ConvertOutcome {
   ConvertResult result = ConvertResult::kCancelled;
   TStringBufferA<320> logLine;     // empty when written or cancelled
+  std::string reason;              // for a write that failed, what failed
   std::vector<std::string> notes;  // lines of a written file for what it had to leave out
 
   bool Written() const { return result == ConvertResult::kWritten; }

@@ -60,15 +60,19 @@ SceneBuildResult BuildFbxScene(ConvertState& state, ExportScene& scene) {
   return SceneBuildResult::kBuilt;
 }
 
-bool WriteScene(FbxManager* manager, FbxScene* scene, const char* path, bool batch) {
+bool WriteScene(FbxManager* manager, FbxScene* scene, const char* path, bool batch, std::string* reason) {
   FbxExporter* exporter = FbxExporter::Create(manager, "");
-  if (!exporter) return false;
+  if (!exporter) {
+    if (reason) *reason = "Out of memory";
+    return false;
+  }
   const int format = manager->GetIOPluginRegistry()->GetNativeWriterFormat();
   FbxIOSettings* settings = manager->GetIOSettings();
   if (settings) {
     for (const auto& option : kExportOptions) settings->SetBoolProp(option.name, option.value);
   }
   if (!exporter->Initialize(path, format, settings)) {
+    if (reason) *reason = exporter->GetStatus().GetErrorString();
     if (batch) return false;
     std::printf("Call to FbxExporter::Initialize() failed.\n");
     std::printf("Error returned: %s\n\n", exporter->GetStatus().GetErrorString());
@@ -84,6 +88,7 @@ bool WriteScene(FbxManager* manager, FbxScene* scene, const char* path, bool bat
     std::fflush(stdout);
   }
   const bool exported = exporter->Export(scene, false);
+  if (!exported && reason) *reason = exporter->GetStatus().GetErrorString();
   exporter->Destroy();
   return exported;
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <memory>
+#include <string>
 
 #include "core/array.h"
 #include "core/string_buffer.h"
@@ -35,5 +36,7 @@ struct ConvertState {
 
 // Writes `scene` to `path`. A path that can't be written prints two lines on standard output and
 // gives false, as does a failed export; the file format's version is printed before the export.
-// `batch` prints nothing and leaves the flush to disk to the caller, for many writes at once.
-[[nodiscard]] bool WriteScene(FbxManager* manager, FbxScene* scene, const char* path, bool batch = false);
+// `batch` prints nothing and leaves the flush to disk to the caller, for many writes at once. What
+// failed goes to `reason` where given.
+[[nodiscard]] bool WriteScene(FbxManager* manager, FbxScene* scene, const char* path, bool batch = false,
+                              std::string* reason = nullptr);

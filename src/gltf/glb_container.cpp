@@ -27,12 +27,19 @@ bool EmitChunk(const GlbSink& sink, u32 type, const void* data, u64 size, u8 pad
   return sink(header, sizeof(header)) && (size == 0 || sink(data, size)) && (padSize == 0 || sink(pad, padSize));
 }
 
+u64 FileSize(const GltfDocument& document) {
+  const bool hasBin = !document.bin.empty();
+  return kHeaderSize + kChunkHeaderSize + Padded(document.json.size()) +
+         (hasBin ? kChunkHeaderSize + Padded(document.bin.size()) : 0);
+}
+
 }  // namespace
+
+bool FitsGlb(const GltfDocument& document) { return FileSize(document) <= kMaxFileSize; }
 
 bool EmitGlb(const GltfDocument& document, const GlbSink& sink) {
   const bool hasBin = !document.bin.empty();
-  const u64 total = kHeaderSize + kChunkHeaderSize + Padded(document.json.size()) +
-                    (hasBin ? kChunkHeaderSize + Padded(document.bin.size()) : 0);
+  const u64 total = FileSize(document);
   if (total > kMaxFileSize) return false;
   u8 header[kHeaderSize];
   PutU32(header, kGlbMagic);

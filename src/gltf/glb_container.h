@@ -19,3 +19,6 @@ using GlbSink = std::function<bool(const void* data, u64 size)>;
 // and the BIN chunk padded with zeros, each to 4 bytes. An empty buffer gets no BIN chunk. False
 // when the file would pass the 4 GiB that its length field holds, or when `sink` fails.
 [[nodiscard]] bool EmitGlb(const GltfDocument& document, const GlbSink& sink);
+
+// Whether `document` fits the 4 GiB that a binary file's length field holds.
+bool FitsGlb(const GltfDocument& document);

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <cstring>
 #include <filesystem>
 #include <map>
 
@@ -292,15 +293,35 @@ TEST(GltfExport, TheFormatFollowsTheOptionOrElseTheExtension) {
   EXPECT_EQ(gamewriters::ReadFileBytes(save.path), gamewriters::ReadFileBytes(dir.Join("c.fbx")));
 }
 
-TEST(GltfExport, AFileThatCantBeWrittenFailsWithItsLineAndLeavesNothing) {
+TEST(GltfExport, AFileThatCantBeWrittenFailsWithItsLineAndWhatFailedAndLeavesNothing) {
   LoadedActor loaded;
   loaded.Load({});
   testsupport::TempDir dir;
-  const std::string path = dir.Join("missing/hero.glb");
-  const Export out = Convert(loaded, path, ExportFormat::kGlb);
-  EXPECT_EQ(out.outcome.result, ConvertResult::kWriteFailed);
-  EXPECT_EQ(std::string(out.outcome.logLine.Text()), "Failed to write \"" + path + "\".");
+  const std::string taken = dir.Join("taken.glb");
+  std::filesystem::create_directories(taken);
+  const struct {
+    std::string path;
+    const char* reason;
+  } cases[] = {
+      {dir.Join("missing/hero.glb"), "Cannot create the file: No such file or directory"},
+      {taken, "Cannot create the file: Is a directory"},
+  };
+  for (const auto& c : cases) {
+    for (const ExportFormat format : {ExportFormat::kGlb, ExportFormat::kFbx}) {
+      SCOPED_TRACE(c.path);
+      const Export out = Convert(loaded, c.path, format);
+      EXPECT_EQ(out.outcome.result, ConvertResult::kWriteFailed);
+      EXPECT_EQ(std::string(out.outcome.logLine.Text()), "Failed to write \"" + c.path + "\".");
+      if (format == ExportFormat::kGlb) {
+        EXPECT_EQ(out.outcome.reason, c.reason);
+      } else {
+        EXPECT_EQ(out.outcome.reason,
+                  "Cannot create file \"" + c.path + "\": " + std::string(std::strchr(c.reason, ':') + 2));
+      }
+    }
+  }
   EXPECT_FALSE(std::filesystem::exists(dir.Join("missing")));
+  EXPECT_TRUE(std::filesystem::is_empty(taken));
 }
 
 // A 2 x 2 image whose every corner differs, rows from the top: red, green, then blue, white.
