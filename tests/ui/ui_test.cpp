@@ -202,6 +202,7 @@ TEST_F(DesktopTest, ConvertWithTwoSelectedWritesGlbWithTexturesWhenTheFolderDial
     ASSERT_TRUE(combo);
     for (int i = 0; i < combo->count(); ++i) formats << combo->itemText(i);
     combo->setCurrentIndex(1);
+    dialog.grab().save(ArtifactPath("folder_dialog_format.png"));
     dialog.setDirectory(QString::fromStdString(folder));
     dialog.selectFile(QString::fromStdString(folder));
     static_cast<QDialog&>(dialog).accept();
