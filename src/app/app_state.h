@@ -57,6 +57,9 @@ struct AppState {
   CThread::CreateFunction createThread = pthread_create;
   std::atomic<bool> workerBusy{false};
   std::atomic<bool> batchStop{false};  // set by Cancel: the running batch starts no further actor
+  // "All files": the file list holds every file of the packs, not the actor definitions alone, and
+  // Convert takes the selected files out as they are. Changed on the main thread while no worker runs.
+  std::atomic<bool> allFiles{false};
 };
 
 // The known games, in table order.

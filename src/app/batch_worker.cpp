@@ -2,6 +2,7 @@
 
 #include "app/actor_list.h"
 #include "app/convert.h"
+#include "app/extract_files.h"
 #include "app/file_list.h"
 #include "app/log.h"
 #include "app/worker.h"
@@ -10,7 +11,7 @@
 
 namespace {
 
-// Counts on the progress bar and logs each actor that didn't get its file.
+// Counts on the progress bar and logs each actor or file that didn't get written.
 class WindowProgress final : public IBatchObserver {
  public:
   WindowProgress(AppState& state, u32 count) : app(state), total(count) {}
@@ -45,6 +46,18 @@ void OnConvertButton(AppState& app, ISaveDialog& save, IRigDialog& rig, IFolderD
   (void)StartBatchWorker(app, std::move(actors), path.Text(), format, options.textures);
 }
 
+void OnExtractButton(AppState& app, IFolderDialog& folder) {
+  if (!Idle(app) || !app.ready) return;
+  const std::vector<ListedEntry> files = ListedEntries(app, app.window->GetSelectedItems(kFileList));
+  TStringBufferA<1024> path;
+  if (files.empty() || !folder.AskFolder(path)) return;
+  const ExtractSettings settings{.outDir = path.Text(), .imagesAsPng = true};
+  std::vector<bool> asPng;
+  std::vector<BatchActor> batch = ExtractBatch(files, settings, asPng);
+  app.batchStop = false;
+  (void)StartExtractWorker(app, std::move(batch), std::move(asPng), settings.outDir);
+}
+
 void OnCancelButton(AppState& app) { app.batchStop = true; }
 
 void ConvertBatch(AppState& app, const std::vector<BatchActor>& actors, const std::string& outDir, ExportFormat format,
@@ -62,6 +75,22 @@ void ConvertBatch(AppState& app, const std::vector<BatchActor>& actors, const st
   DisplayPath(outDir.c_str(), shown);
   Log(app, "%s %u of %zu actors to %s: %u written, %u failed, %u skipped.",
       summary.notStarted ? "Stopped after" : "Converted", u32(actors.size()) - summary.notStarted, actors.size(),
+      shown.Text(), summary.written, summary.failed, summary.skipped);
+  app.window->Show(kCancelButton, false);
+}
+
+void ExtractFilesBatch(AppState& app, const std::vector<BatchActor>& files, const std::vector<bool>& asPng,
+                       const std::string& outDir) {
+  app.window->Show(kCancelButton, true);
+  app.window->SetProgress(kProgressBar, 0, u32(files.size()));
+  const ExtractSettings settings{.outDir = outDir, .jobs = ProcessorCount(), .imagesAsPng = true};
+  WindowProgress progress(app, u32(files.size()));
+  std::vector<BatchActorResult> results;
+  const BatchSummary summary = RunExtract(files, asPng, settings, &progress, app.batchStop, results);
+  TStringBufferA<1024> shown;
+  DisplayPath(outDir.c_str(), shown);
+  Log(app, "%s %u of %zu files to %s: %u written, %u failed, %u skipped.",
+      summary.notStarted ? "Stopped after" : "Extracted", u32(files.size()) - summary.notStarted, files.size(),
       shown.Text(), summary.written, summary.failed, summary.skipped);
   app.window->Show(kCancelButton, false);
 }

@@ -14,6 +14,11 @@
 void OnConvertButton(AppState& app, ISaveDialog& save, IRigDialog& rig, IFolderDialog& folder,
                      const ConvertOptions& options = {});
 
+// The window's Convert with "All files" on: asks `folder` for a folder and takes the selected files
+// out of the packs below it on the convert worker, images as PNG as `extract --images png` writes
+// them, the progress bar counting them and Cancel stopping them.
+void OnExtractButton(AppState& app, IFolderDialog& folder);
+
 // Stops the running batch: the conversions under way end whole, no other starts.
 void OnCancelButton(AppState& app);
 
@@ -22,3 +27,8 @@ void OnCancelButton(AppState& app);
 // With `textures`, each actor's textures go with its file, each decoded once for the batch.
 void ConvertBatch(AppState& app, const std::vector<BatchActor>& actors, const std::string& outDir, ExportFormat format,
                   bool textures);
+
+// Convert worker: writes `files` below `outDir` (see RunExtract) on every processor, logs a line for
+// each file that fails or is skipped and one summary line at the end.
+void ExtractFilesBatch(AppState& app, const std::vector<BatchActor>& files, const std::vector<bool>& asPng,
+                       const std::string& outDir);

@@ -3,6 +3,7 @@
 #include <cstring>
 #include <string>
 
+#include "app/file_preview.h"
 #include "app/log.h"
 #include "app/rig_choice.h"
 #include "app/worker.h"
@@ -56,28 +57,45 @@ struct Extension {
   const char* text;
 };
 
-}  // namespace
+// Whether a walk lists `extension`'s name: any with "All files" on, actor definitions otherwise.
+bool Listed(bool allFiles, const Extension& extension) { return allFiles || extension.Is(".adr"); }
 
-void SearchRequest(AppState& app) {
-  if (!Idle(app)) return;
+// The list anew from the search box: the whole of it for no text, else the names that hold the text.
+void FillList(AppState& app, bool logSearch) {
   TStringBufferA<128> text;
   if (!app.window->GetText(kSearchEdit, text) || text.Length() == 0) {
     app.window->ResetContent(kFileList);
     StartWorker(app, WorkerKind::List, 0, "");
     return;
   }
-  Log(app, "Search = %s", text.Text());
+  if (logSearch) Log(app, "Search = %s", text.Text());
   TStringBufferA<132> pattern;
   (void)SearchPattern(text.Text(), pattern);
   StartWorker(app, WorkerKind::Search, 0, pattern.Text());
+}
+
+}  // namespace
+
+void SearchRequest(AppState& app) {
+  if (!Idle(app)) return;
+  FillList(app, true);
+}
+
+bool OnAllFilesCheck(AppState& app, bool on) {
+  if (!Idle(app)) return false;
+  app.allFiles = on;
+  // Before a game is loaded there is no list to fill; the load lists by the new setting.
+  if (app.ready) FillList(app, false);
+  return true;
 }
 
 bool SearchPattern(const char* text, CStringBufferA& pattern) { return pattern.Format("*%s*", text) > 0; }
 
 void ListWalk(AppState& app) {
   WalkContext walk(app);
+  const bool allFiles = app.allFiles;
   app.packIndex.Walk([&](const char* name, const PackEntry* entry) {
-    if (Extension(name).Is(".adr")) walk.Add(name, entry);
+    if (Listed(allFiles, Extension(name))) walk.Add(name, entry);
     return true;
   });
 }
@@ -85,28 +103,28 @@ void ListWalk(AppState& app) {
 void SearchWalk(AppState& app, const char* filter) {
   app.window->ResetContent(kFileList);
   WalkContext walk(app);
+  const bool allFiles = app.allFiles;
   app.packIndex.Walk([&](const char* name, const PackEntry* entry) {
-    if (Extension(name).Is(".adr") && WildcardMatch(name, filter)) walk.Add(name, entry);
+    if (Listed(allFiles, Extension(name)) && WildcardMatch(name, filter)) walk.Add(name, entry);
     return true;
   });
 }
 
 void LoadWalk(AppState& app) {
   WalkContext walk(app);
+  const bool allFiles = app.allFiles;
   app.packIndex.Walk([&](const char* name, const PackEntry* entry) {
     const Extension extension(name);
-    if (extension.Is(".mrn")) {
-      (void)walk.baseName.Format("%.*s", int(extension.length - 4), name);
-      if (!PackIndex::FetchEntry(entry, walk.bytes) || !IsRigNetwork(walk.bytes)) return true;
-      // The table keeps a copy of the key it is given as it stands, so it gets one of its own.
-      CStringA key;
-      if (!key.Assign(walk.baseName.Text())) return true;
-      RigNetwork* network = app.rigs.FindOrInsert(key);
-      // A read that fails takes the key out again, also where it replaced an earlier network.
-      if (network && !Read(*network, walk.bytes)) app.rigs.Erase(key);
-    } else if (extension.Is(".adr")) {
-      walk.Add(name, entry);
-    }
+    if (Listed(allFiles, extension)) walk.Add(name, entry);
+    if (!extension.Is(".mrn")) return true;
+    (void)walk.baseName.Format("%.*s", int(extension.length - 4), name);
+    if (!PackIndex::FetchEntry(entry, walk.bytes) || !IsRigNetwork(walk.bytes)) return true;
+    // The table keeps a copy of the key it is given as it stands, so it gets one of its own.
+    CStringA key;
+    if (!key.Assign(walk.baseName.Text())) return true;
+    RigNetwork* network = app.rigs.FindOrInsert(key);
+    // A read that fails takes the key out again, also where it replaced an earlier network.
+    if (network && !Read(*network, walk.bytes)) app.rigs.Erase(key);
     return true;
   });
 }
@@ -153,6 +171,8 @@ void OnFileSelected(AppState& app) {
   TStringBufferA<260> name;
   // Without a preview there is nothing to show.
   if (!GetSelectedName(app, name) || !app.renderWindow) return;
+  // With "All files" on the list holds any file; an actor is still shown as one.
+  if (app.allFiles && !Extension(name.Text()).Is(".adr")) return ShowPackFile(app, entry, name.Text());
   UnaskedRig skeletons(app.rigs);
   (void)app.renderWindow->LoadActor(entry, name.Text(), &app.materials, &skeletons);
   app.window->SetText(kInfoText, app.renderWindow->GetInfoText());

@@ -6,8 +6,8 @@
 
 namespace {
 
-constexpr i32 kFrameControls[] = {kFileList,      kRenderControl, kSearchEdit, kGameCombo,
-                                  kConvertButton, kSearchButton,  kGameButton, kOpenFolderButton};
+constexpr i32 kFrameControls[] = {kFileList,     kRenderControl, kSearchEdit,       kGameCombo,    kConvertButton,
+                                  kSearchButton, kGameButton,    kOpenFolderButton, kAllFilesCheck};
 constexpr u32 kMarqueeStepMilliseconds = 30;
 
 struct Task {
@@ -15,7 +15,8 @@ struct Task {
   WorkerKind kind = WorkerKind::Load;
   u32 row = 0;
   TStringBufferA<128> filter;
-  std::vector<BatchActor> actors;  // of a batch conversion
+  std::vector<BatchActor> actors;  // of a batch conversion, or the files of an extraction
+  std::vector<bool> asPng;         // of an extraction: which files go as PNG
   std::string outDir;
   bool textures = false;
   ExportFormat format = ExportFormat::kFbx;
@@ -31,6 +32,7 @@ void Frame(AppState& app, const Task& task) {
     case WorkerKind::List: ListWalk(app); break;
     case WorkerKind::Search: SearchWalk(app, task.filter.Text()); break;
     case WorkerKind::Convert: ConvertBatch(app, task.actors, task.outDir, task.format, task.textures); break;
+    case WorkerKind::Extract: ExtractFilesBatch(app, task.actors, task.asPng, task.outDir); break;
   }
   for (i32 id : kFrameControls) window.Enable(id, true);
   window.Show(kProgressBar, false);
@@ -93,6 +95,16 @@ bool StartBatchWorker(AppState& app, std::vector<BatchActor> actors, std::string
   task->textures = textures;
   task->format = format;
   return Launch(app, std::move(task), "Converting...");
+}
+
+bool StartExtractWorker(AppState& app, std::vector<BatchActor> files, std::vector<bool> asPng, std::string outDir) {
+  TOwned<Task> task = Claim(app);
+  if (!task) return false;
+  task->kind = WorkerKind::Extract;
+  task->actors = std::move(files);
+  task->asPng = std::move(asPng);
+  task->outDir = std::move(outDir);
+  return Launch(app, std::move(task), "Extracting...");
 }
 
 void WaitForWorker(AppState& app) {

@@ -3,7 +3,7 @@
 #include "app/app_state.h"
 #include "app/batch_convert.h"
 
-enum class WorkerKind { Load, List, Search, Convert };
+enum class WorkerKind { Load, List, Search, Convert, Extract };
 
 // Starts the worker of `kind` on its own thread and returns at once: the load worker for `row`,
 // the list and search workers with `filter` (empty for the list). False, with nothing started,
@@ -15,6 +15,10 @@ bool StartWorker(AppState& app, WorkerKind kind, u32 row, const char* filter);
 // when `textures`); false as StartWorker.
 bool StartBatchWorker(AppState& app, std::vector<BatchActor> actors, std::string outDir, ExportFormat format,
                       bool textures);
+
+// Starts the convert worker taking `files` out of the packs below `outDir`, as stored or as PNG where
+// `asPng` says (see ExtractBatch); false as StartWorker.
+bool StartExtractWorker(AppState& app, std::vector<BatchActor> files, std::vector<bool> asPng, std::string outDir);
 
 // Main thread: serves the worker's window calls until it has ended.
 void WaitForWorker(AppState& app);

@@ -23,6 +23,7 @@ enum ControlId : i32 {
   kInfoText = 1020,
   kCancelButton = 1021,      // stops a batch conversion; shown only while one runs
   kOpenFolderButton = 1022,  // "Open folder...": lists and opens any installation folder
+  kAllFilesCheck = 1023,     // "All files": the file list holds every file of the packs
 };
 
 // Answers of the list operations.

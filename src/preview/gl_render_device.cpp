@@ -64,6 +64,7 @@ bool GlRenderDevice::Build(Program& program, const char* vertexPath, const char*
   program.projection = glGetUniformLocation(program.id, "Projection");
   program.diffuse = glGetUniformLocation(program.id, "TxDiffuse");
   program.colour = glGetUniformLocation(program.id, "Colour");
+  program.rect = glGetUniformLocation(program.id, "Rect");
   return true;
 }
 
@@ -84,6 +85,13 @@ bool GlRenderDevice::Open() {
     if (skeletonProgram.id) glDeleteProgram(skeletonProgram.id);
     skeletonProgram = Program{};
   }
+  // Nor images without theirs; a core context draws nothing without a vertex array bound.
+  if (Build(imageProgram, ":/preview/image.vert", nullptr, ":/preview/image.frag", "")) {
+    glGenVertexArrays(1, &imageVertexArray);
+  } else {
+    if (imageProgram.id) glDeleteProgram(imageProgram.id);
+    imageProgram = Program{};
+  }
   glEnable(GL_DEPTH_TEST);
   glDepthFunc(GL_LESS);
   glFrontFace(GL_CW);
@@ -93,10 +101,12 @@ bool GlRenderDevice::Open() {
 }
 
 void GlRenderDevice::Close() {
-  for (Program* program : {&programs[0], &programs[1], &programs[2], &skeletonProgram}) {
+  for (Program* program : {&programs[0], &programs[1], &programs[2], &skeletonProgram, &imageProgram}) {
     if (program->id) glDeleteProgram(program->id);
     *program = Program{};
   }
+  if (imageVertexArray) glDeleteVertexArrays(1, &imageVertexArray);
+  imageVertexArray = 0;
 }
 
 bool GlRenderDevice::CreateMesh(const PreviewMesh& mesh, GpuMesh& out) {
@@ -250,3 +260,23 @@ void GlRenderDevice::DrawSkeleton(const GpuSkeleton& skeleton) {
 }
 
 void GlRenderDevice::SetWireframe(bool on) { glPolygonMode(GL_FRONT_AND_BACK, on ? GL_LINE : GL_FILL); }
+
+void GlRenderDevice::DrawImage(u32 texture, const ViewRect& rect) {
+  if (!imageProgram.id || !imageVertexArray || !texture) return;
+  glUseProgram(imageProgram.id);
+  glUniform4f(imageProgram.rect, rect.left, rect.bottom, rect.right, rect.top);
+  glUniform1i(imageProgram.diffuse, 0);
+  glActiveTexture(GL_TEXTURE0);
+  glBindTexture(GL_TEXTURE_2D, texture);
+  // Shown once, the edges must not blend with the opposite side; enlarged, each texel stays a sharp
+  // square, which is what a look at a texture wants to see.
+  glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_WRAP_S, GL_CLAMP_TO_EDGE);
+  glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_WRAP_T, GL_CLAMP_TO_EDGE);
+  glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MAG_FILTER, GL_NEAREST);
+  glDisable(GL_DEPTH_TEST);
+  glDisable(GL_CULL_FACE);
+  glBindVertexArray(imageVertexArray);
+  glDrawArrays(GL_TRIANGLE_STRIP, 0, 4);
+  glBindVertexArray(0);
+  glEnable(GL_DEPTH_TEST);
+}

@@ -31,11 +31,12 @@ class GlRenderDevice final : public IRenderDevice, private QOpenGLFunctions_3_3_
   void ReleaseSkeleton(GpuSkeleton& skeleton) override;
   void DrawSkeleton(const GpuSkeleton& skeleton) override;
   void SetWireframe(bool on) override;
+  void DrawImage(u32 texture, const ViewRect& rect) override;
 
  private:
   struct Program {
     u32 id = 0;
-    i32 world = -1, view = -1, viewInverse = -1, projection = -1, diffuse = -1, colour = -1;
+    i32 world = -1, view = -1, viewInverse = -1, projection = -1, diffuse = -1, colour = -1, rect = -1;
   };
 
   bool Build(Program& program, const char* vertexPath, const char* geometryPath, const char* fragmentPath,
@@ -46,5 +47,7 @@ class GlRenderDevice final : public IRenderDevice, private QOpenGLFunctions_3_3_
 
   Program programs[3];  // by Technique
   Program skeletonProgram;
-  Matrix4 matrices[4];  // world, view, view inverse, projection, as last set
+  Program imageProgram;
+  u32 imageVertexArray = 0;  // bound for the image's quad, which reads no attributes
+  Matrix4 matrices[4];       // world, view, view inverse, projection, as last set
 };

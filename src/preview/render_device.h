@@ -4,6 +4,7 @@
 #include "image/image_decode.h"
 #include "mesh/bind_skeleton.h"
 #include "mesh/preview_mesh.h"
+#include "preview/image_fit.h"
 #include "preview/preview_math.h"
 
 // A mesh in graphics memory: its buffers, 0 when absent.
@@ -52,6 +53,9 @@ class IRenderDevice {
   virtual void DrawSkeleton(const GpuSkeleton& skeleton) = 0;
   // Meshes drawn from here on show their triangles' edges only.
   virtual void SetWireframe(bool on) = 0;
+
+  // Draws a texture made by CreateTexture once, whole, over `rect`, without depth or culling.
+  virtual void DrawImage(u32 texture, const ViewRect& rect) = 0;
 };
 
 // The window that the render control draws in.

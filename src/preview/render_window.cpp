@@ -43,6 +43,8 @@ bool CRenderWindow::Init(PackIndex* packs) {
 }
 
 void CRenderWindow::SetSize(i32 width, i32 height) {
+  viewWidth = width;
+  viewHeight = height;
   aspect = f32(width) / f32(height);
   verticalFov = kVerticalFov;
   horizontalFov = 2.0f * std::atan(aspect * std::tan(0.5235987901687622f));
@@ -61,6 +63,7 @@ void CRenderWindow::Shutdown() {
   // Graphics objects go before the device, with its context current.
   (void)host.MakeCurrent();
   ReleaseDrawList();
+  ReleaseImage();
   textures.cache.ReleaseAll();
   textures.cache.SetDevice(nullptr);
   textures.device = nullptr;
@@ -71,6 +74,11 @@ void CRenderWindow::Shutdown() {
 void CRenderWindow::Tick() {
   if (!device) return;
   device->Clear(kClearColour, 1.0f);
+  // An image is shown flat and alone: neither the camera nor the model's views apply to it.
+  if (shownImage.texture) {
+    device->DrawImage(shownImage.texture, FitImage(shownImage.width, shownImage.height, viewWidth, viewHeight));
+    return;
+  }
   camera.SetRotationMatrix(MatrixRotationQuaternion(camera.CurrentRotation()));
   worldMatrix = MatrixMultiply(camera.RotationMatrix(), camera.TranslationMatrix());
   // Centred first, then turned, then moved away from the eye.
@@ -125,16 +133,7 @@ void CRenderWindow::HandleMouse(IMouseCapture& capture, u32 message, u32 buttons
 bool CRenderWindow::LoadActor(const PackEntry* entry, const char* name, const MaterialDefinitionSet* materials,
                               ISkeletonSource* skeletons) {
   host.RequestFrame();
-  if (!device) return false;
-  if (!host.MakeCurrent()) {
-    // Without the context nothing can be freed or made; its objects went with it.
-    (void)drawList.SetSize(0);
-    skeleton = GpuSkeleton{};
-    modelShown = false;
-    return false;
-  }
-  // The old model goes before the new one is known to be good.
-  ReleaseDrawList();
+  if (!device || !ClearShown()) return false;
   if (!materials || !packIndex || !name) return false;
   if (!PackIndex::FetchEntry(entry, actorBytes)) return false;
   ActorFiles files;
@@ -158,6 +157,40 @@ bool CRenderWindow::LoadActor(const PackEntry* entry, const char* name, const Ma
   modelShown = true;
   WriteSkeletonLine();
   camera.FrameBounds(&shownBounds[0], &shownBounds[3], horizontalFov, verticalFov, modelOffset);
+  return true;
+}
+
+bool CRenderWindow::ClearShown() {
+  if (!host.MakeCurrent()) {
+    // Without the context nothing can be freed or made; its objects went with it.
+    (void)drawList.SetSize(0);
+    skeleton = GpuSkeleton{};
+    shownImage = ShownImage{};
+    modelShown = false;
+    return false;
+  }
+  // The old model or image goes before the new one is known to be good.
+  ReleaseDrawList();
+  ReleaseImage();
+  return true;
+}
+
+void CRenderWindow::ShowText(const char* info) {
+  host.RequestFrame();
+  if (!device) return;
+  (void)ClearShown();  // without the context nothing is shown all the same
+  infoText.Clear(false);
+  infoText.AppendFormat("%s", info ? info : "");
+  infoLength = infoText.Length();
+}
+
+bool CRenderWindow::ShowImage(const DecodedImage& decoded, const char* info) {
+  ShowText(info);
+  if (!device || decoded.width == 0 || decoded.height == 0 || !host.MakeCurrent()) return false;
+  shownImage.texture = device->CreateTexture(decoded);
+  if (!shownImage.texture) return false;
+  shownImage.width = decoded.width;
+  shownImage.height = decoded.height;
   return true;
 }
 
@@ -208,4 +241,9 @@ void CRenderWindow::ReleaseDrawList() {
   device->ReleaseSkeleton(skeleton);
   skeletonName.Clear(false);
   modelShown = false;
+}
+
+void CRenderWindow::ReleaseImage() {
+  if (shownImage.texture) device->ReleaseTexture(shownImage.texture);
+  shownImage = ShownImage{};
 }

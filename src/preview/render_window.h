@@ -38,7 +38,12 @@ class IRenderWindow {
   // `skeletons` picks the rig of the skeleton view; null: the actor shows none.
   virtual bool LoadActor(const PackEntry* entry, const char* name, const MaterialDefinitionSet* materials,
                          ISkeletonSource* skeletons) = 0;
-  // The info panel's text, never null; valid until the next LoadActor.
+  // Shows `image` whole, at its aspect, in place of any model, with `info` as the panel's text;
+  // false, the preview left clear, when it can't be uploaded.
+  virtual bool ShowImage(const DecodedImage& image, const char* info) = 0;
+  // Clears the preview of any model or image, with `info` as the panel's text.
+  virtual void ShowText(const char* info) = 0;
+  // The info panel's text, never null; valid until the next LoadActor, ShowImage or ShowText.
   virtual const char* GetInfoText() = 0;
 };
 
@@ -71,6 +76,8 @@ class CRenderWindow final : public IRenderWindow {
   void Tick() override;
   bool LoadActor(const PackEntry* entry, const char* name, const MaterialDefinitionSet* materials,
                  ISkeletonSource* skeletons) override;
+  bool ShowImage(const DecodedImage& image, const char* info) override;
+  void ShowText(const char* info) override;
   const char* GetInfoText() override { return infoText.Text(); }
 
   // Turns the views on or off; the info text names the skeleton while its view is on.
@@ -100,6 +107,9 @@ class CRenderWindow final : public IRenderWindow {
   bool BuildDrawNode(const ModelMaterial& material, const ModelMesh& mesh, const MaterialDefinitionSet& materials);
   u32 GetTexture(const char* name);
   void ReleaseDrawList();
+  void ReleaseImage();
+  // Frees whatever is shown and makes the context current for what comes next; false without it.
+  bool ClearShown();
   void SetSize(i32 width, i32 height);
   void LoadSkeleton(const ActorFiles& files, ISkeletonSource* skeletons);
   // The info text of the shown actor, with the skeleton's line while its view is on.
@@ -124,6 +134,15 @@ class CRenderWindow final : public IRenderWindow {
   u32 infoLength = 0;       // the info text's length without the skeleton's line
   PreviewViews views;
   TextureSource textures;
+  // The image shown in place of a model; texture 0 while there is none.
+  struct ShownImage {
+    u32 texture = 0;
+    u32 width = 0;
+    u32 height = 0;
+  };
+  ShownImage shownImage;
+  i32 viewWidth = 0;  // the drawable, in pixels
+  i32 viewHeight = 0;
   CStringBufferA infoText;
   f32 verticalFov = 0;
   f32 horizontalFov = 0;

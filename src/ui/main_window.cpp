@@ -14,6 +14,7 @@
 #include <QPushButton>
 #include <QScreen>
 #include <QShortcut>
+#include <QSignalBlocker>
 #include <QWindow>
 #include <algorithm>
 #include <cmath>
@@ -85,6 +86,11 @@ MainWindow::MainWindow(AppState& state) : app(state) {
   texturesCheck = new QCheckBox(QStringLiteral("Export textures"), this);
   Place(texturesCheck, {6, 248, 100, 10});
 
+  // Beside it, short of "Open folder...": every file of the packs in the list, off at start.
+  allFilesCheck = new QCheckBox(QStringLiteral("All files"), this);
+  Place(allFilesCheck, {110, 248, 60, 10});
+  windowSystem.AddControl(kAllFilesCheck, allFilesCheck);
+
   auto* gameModel = new ItemListModel(false, this);
   auto* gameCombo = new QComboBox(this);
   gameCombo->setModel(gameModel);
@@ -131,8 +137,16 @@ MainWindow::MainWindow(AppState& state) : app(state) {
     if (!windowSystem.ChangingSelection()) OnFileSelected(app);
   });
   QObject::connect(convertButton, &QPushButton::clicked, this, [this] {
+    // With "All files" on, Convert takes the selected files out of the packs as they are.
+    if (app.allFiles) return OnExtractButton(app, extractFolderDialog);
     OnConvertButton(app, saveDialog, rigDialog, folderDialog,
                     {.textures = texturesCheck->isChecked(), .format = ExportFormat::kByExtension});
+  });
+  QObject::connect(allFilesCheck, &QCheckBox::toggled, this, [this](bool on) {
+    if (OnAllFilesCheck(app, on)) return;
+    // Refused while a worker runs: the box goes back to what the list holds.
+    const QSignalBlocker quiet(allFilesCheck);
+    allFilesCheck->setChecked(!on);
   });
   QObject::connect(cancelButton, &QPushButton::clicked, this, [this] { OnCancelButton(app); });
   QObject::connect(searchButton, &QPushButton::clicked, this, [this] { SearchRequest(app); });

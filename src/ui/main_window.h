@@ -40,6 +40,7 @@ class MainWindow final : public QWidget {
   QPushButton& CancelButton() { return *cancelButton; }
   QPushButton& OpenFolderButton() { return *openFolderButton; }
   QCheckBox& TexturesCheck() { return *texturesCheck; }
+  QCheckBox& AllFilesCheck() { return *allFilesCheck; }
   // The factor by which the dialog is drawn smaller than its template to fit the screen; 1 when
   // it fits.
   double Fit() const { return fit; }
@@ -79,12 +80,14 @@ class MainWindow final : public QWidget {
   QtRigDialog rigDialog{this};
   QtFolderDialog folderDialog{this};
   QtFolderDialog gameFolderDialog{this, "Open a game's installation folder"};
+  QtFolderDialog extractFolderDialog{this, "Extract the selected files to the folder"};
   QListView* fileView = nullptr;
   QLineEdit* searchEdit = nullptr;
   QPushButton* convertButton = nullptr;
   QPushButton* cancelButton = nullptr;
   QPushButton* openFolderButton = nullptr;
   QCheckBox* texturesCheck = nullptr;
+  QCheckBox* allFilesCheck = nullptr;
   RenderControl* renderControl = nullptr;  // owned by its container, a child of this window
   std::vector<Placed> placed;              // in the template's order
   double fit = 0;                          // 0 until the first layout

@@ -27,6 +27,7 @@ class FakeDevice final : public IRenderDevice {
     u32 texture;
     bool wireframe = false;
     bool skeleton = false;  // a DrawSkeleton call, over everything before it
+    bool image = false;     // a DrawImage call, over `imageRect`
   };
 
   bool CreateMesh(const PreviewMesh& mesh, GpuMesh& out) override {
@@ -73,6 +74,10 @@ class FakeDevice final : public IRenderDevice {
     wireframe = on;
     ++wireframeCalls;
   }
+  void DrawImage(u32 texture, const ViewRect& rect) override {
+    draws.push_back({Technique::kRender, 0, texture, wireframe, false, true});
+    imageRect = rect;
+  }
 
   u32 lastHandle = 0;
   i32 liveMeshes = 0;
@@ -86,6 +91,7 @@ class FakeDevice final : public IRenderDevice {
   i32 liveSkeletons = 0;
   bool wireframe = false;
   i32 wireframeCalls = 0;
+  ViewRect imageRect;
 };
 
 class FakeHost final : public IRenderHost {
@@ -263,6 +269,65 @@ TEST_F(RenderWindowTest, AsksForAFirstFrameAtInitAndStopsALoadWithoutItsContext)
   EXPECT_EQ(host.device.vertexCounts.size(), made) << "no mesh is made without the context";
 }
 
+DecodedImage Image(u32 width, u32 height) {
+  DecodedImage image;
+  EXPECT_TRUE(image.pixels.SetSize(width * height * 4));
+  image.width = width;
+  image.height = height;
+  return image;
+}
+
+TEST_F(RenderWindowTest, AnImageTakesThePlaceOfTheModelAndTheTextThatOfThePanel) {
+  Open(Game(gamewriters::BuildSkinnedActor({.meshCount = 2, .gridSize = 2, .boneCount = 1})));
+  ASSERT_TRUE(Load("actors\\thing.adr", &materials));
+  ASSERT_TRUE(preview.ShowImage(Image(4, 2), "Info for wide.png\r\n"));
+  EXPECT_EQ(host.device.liveMeshes, 0) << "the model went";
+  EXPECT_EQ(host.device.liveTextures, 1);
+  EXPECT_STREQ(preview.GetInfoText(), "Info for wide.png\r\n");
+
+  // Drawn alone, flat and whole, whatever the views say; the panel keeps its text.
+  preview.SetViews({.skeleton = true, .wireframe = true});
+  preview.Tick();
+  ASSERT_EQ(host.device.draws.size(), 1u);
+  EXPECT_TRUE(host.device.draws[0].image);
+  EXPECT_FALSE(host.device.draws[0].wireframe);
+  EXPECT_NE(host.device.draws[0].texture, 0u);
+  const ViewRect wide = host.device.imageRect;
+  EXPECT_EQ((std::vector<f32>{wide.left, wide.bottom, wide.right, wide.top}),
+            (std::vector<f32>{-1.0f, -0.5f, 1.0f, 0.5f}));
+  EXPECT_STREQ(preview.GetInfoText(), "Info for wide.png\r\n");
+  preview.SetViews({});
+
+  preview.Resize(400, 100);  // wider than the image now: bars on both sides
+  preview.Tick();
+  EXPECT_FLOAT_EQ(host.device.imageRect.right, 0.5f);
+  EXPECT_FLOAT_EQ(host.device.imageRect.top, 1.0f);
+
+  // A plain file clears the preview; an actor after an image is drawn as ever.
+  preview.ShowText("Info for notes.xml\r\n");
+  EXPECT_EQ(host.device.liveTextures, 0);
+  preview.Tick();
+  EXPECT_TRUE(host.device.draws.empty());
+  EXPECT_STREQ(preview.GetInfoText(), "Info for notes.xml\r\n");
+  ASSERT_TRUE(preview.ShowImage(Image(1, 1), ""));
+  ASSERT_TRUE(Load("actors\\thing.adr", &materials));
+  EXPECT_EQ(host.device.liveTextures, 0);
+  preview.Tick();
+  ASSERT_EQ(host.device.draws.size(), 2u);
+  EXPECT_FALSE(host.device.draws[0].image || host.device.draws[1].image);
+}
+
+TEST_F(RenderWindowTest, AnImageWithoutItsContextOrPixelsLeavesThePreviewClear) {
+  Open(Game(gamewriters::BuildSkinnedActor({.gridSize = 2, .boneCount = 1})));
+  EXPECT_FALSE(preview.ShowImage(DecodedImage{}, "Info for empty.dds\r\n"));
+  EXPECT_STREQ(preview.GetInfoText(), "Info for empty.dds\r\n") << "the text is shown all the same";
+  host.current = false;
+  EXPECT_FALSE(preview.ShowImage(Image(2, 2), "Info for a.png\r\n"));
+  EXPECT_EQ(host.device.firstPixels.size(), 0u) << "nothing is made without the context";
+  preview.Tick();
+  EXPECT_TRUE(host.device.draws.empty());
+}
+
 TEST(RenderWindowHollow, WithoutGraphicsEveryCallDoesNothing) {
   FakeHost host;
   host.available = false;
@@ -272,6 +337,8 @@ TEST(RenderWindowHollow, WithoutGraphicsEveryCallDoesNothing) {
   EXPECT_FALSE(preview.Init(&packs));
   MaterialDefinitionSet materials;
   EXPECT_FALSE(preview.LoadActor(nullptr, "actors\\thing.adr", &materials, nullptr));
+  EXPECT_FALSE(preview.ShowImage(Image(2, 2), "Info for a.png"));
+  preview.ShowText("Info for b.xml");
   preview.Tick();
   EXPECT_TRUE(host.device.draws.empty());
   EXPECT_EQ(host.closed, 0);

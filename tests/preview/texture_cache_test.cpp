@@ -24,6 +24,7 @@ class CountingDevice final : public IRenderDevice {
   void ReleaseSkeleton(GpuSkeleton&) override {}
   void DrawSkeleton(const GpuSkeleton&) override {}
   void SetWireframe(bool) override {}
+  void DrawImage(u32, const ViewRect&) override {}
 
   std::vector<u32> released;
 };

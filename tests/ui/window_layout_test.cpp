@@ -102,7 +102,11 @@ TEST_F(WindowLayoutTest, EveryControlsTextIsWhole) {
     EXPECT_LE(metrics.height(), control->height()) << text.toStdString();
     ++checked;
   }
-  EXPECT_EQ(checked, 7);  // Convert, Cancel, the check box, Open folder, two ">" and the status
+  EXPECT_EQ(checked, 8);  // Convert, Cancel, the two check boxes, Open folder, two ">" and the status
+  // "All files" sits between its neighbours in the strip, covering neither.
+  const QRect allFiles = window.AllFilesCheck().geometry();
+  EXPECT_FALSE(allFiles.intersects(window.TexturesCheck().geometry()));
+  EXPECT_FALSE(allFiles.intersects(window.OpenFolderButton().geometry()));
 }
 
 }  // namespace
