@@ -152,8 +152,19 @@ bool RenderControl::event(QEvent* event) {
 }
 
 bool RenderControl::eventFilter(QObject* watched, QEvent* event) {
-  // A worker disables the control while a drag may be under way; the drag must not outlive it.
-  if (watched == container && event->type() == QEvent::EnabledChange && !container->isEnabled()) LoseCapture();
+  if (watched == container && event->type() == QEvent::EnabledChange) {
+    // A worker disables the control while a drag may be under way; the drag must not outlive it.
+    // Enabled again, the container's own native window ends up stacked over the preview's, which
+    // the screen then hides: the preview is raised again once the toolkit is done, and redrawn.
+    if (container->isEnabled()) {
+      QTimer::singleShot(0, this, [this] {
+        raise();
+        RequestFrame();
+      });
+    } else {
+      LoseCapture();
+    }
+  }
   return QOpenGLWindow::eventFilter(watched, event);
 }
 

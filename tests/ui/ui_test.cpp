@@ -10,6 +10,7 @@
 #include <QScreen>
 #include <filesystem>
 
+#include "app/file_list.h"
 #include "preview/render_window.h"
 #include "support/fbx_reader.h"
 #include "ui/desktop_test.h"
@@ -46,6 +47,28 @@ TEST_F(DesktopTest, PreviewIsClearGreyFromStartUpBeforeAnySelection) {
   EXPECT_TRUE(window.screen()->grabWindow(window.winId()).save(ArtifactPath("start_up.png")));
   EXPECT_TRUE(grey) << "the preview shows rgb " << qRed(shown.pixel(0, 0)) << " " << qGreen(shown.pixel(0, 0)) << " "
                     << qBlue(shown.pixel(0, 0));
+}
+
+// A worker disables the preview while it runs; enabled again, the screen shows its frame, not the
+// window's background in its place.
+TEST_F(DesktopTest, ThePreviewShowsItsFrameAgainAfterASearch) {
+  Select("actors\\knight.adr");
+  (void)PumpUntil([] { return false; }, 300);
+  QWidget* preview = window.Render().Container();
+  auto centre = [&] {
+    const QImage shown = preview->screen()->grabWindow(preview->winId()).toImage();
+    return shown.isNull() ? QRgb(0) : shown.pixel(shown.width() / 2, shown.height() / 2);
+  };
+  // The knight's blue coat lies at the centre.
+  auto knight = [](QRgb pixel) { return qBlue(pixel) > qRed(pixel) + 40; };
+  QRgb shown = 0;
+  ASSERT_TRUE(PumpUntil([&] { return knight(shown = centre()); }, 5000))
+      << "the screen shows rgb " << qRed(shown) << " " << qGreen(shown) << " " << qBlue(shown);
+  window.SearchEdit().setText(QStringLiteral("kn"));
+  SearchRequest(app);
+  ASSERT_TRUE(PumpUntil([&] { return !app.workerBusy; }));
+  EXPECT_TRUE(PumpUntil([&] { return knight(shown = centre()); }, 5000))
+      << "the screen shows rgb " << qRed(shown) << " " << qGreen(shown) << " " << qBlue(shown);
 }
 
 TEST_F(DesktopTest, ADragEndsWhenThePreviewIsDisabledOrLosesThePointer) {
