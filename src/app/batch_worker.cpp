@@ -60,37 +60,41 @@ void OnExtractButton(AppState& app, IFolderDialog& folder) {
 
 void OnCancelButton(AppState& app) { app.batchStop = true; }
 
+namespace {
+
+// A batch in the window: Cancel shown and the progress bar counting while `run` works, then the
+// summary line, "<done> N of M <items> to DIR: ...".
+template <class Run>
+void WindowBatch(AppState& app, size_t count, const std::string& outDir, const char* done, const char* items, Run run) {
+  app.window->Show(kCancelButton, true);
+  app.window->SetProgress(kProgressBar, 0, u32(count));
+  WindowProgress progress(app, u32(count));
+  std::vector<BatchActorResult> results;
+  const BatchSummary summary = run(progress, results);
+  TStringBufferA<1024> shown;
+  DisplayPath(outDir.c_str(), shown);
+  Log(app, "%s %u of %zu %s to %s: %u written, %u failed, %u skipped.", summary.notStarted ? "Stopped after" : done,
+      u32(count) - summary.notStarted, count, items, shown.Text(), summary.written, summary.failed, summary.skipped);
+  app.window->Show(kCancelButton, false);
+}
+
+}  // namespace
+
 void ConvertBatch(AppState& app, const std::vector<BatchActor>& actors, const std::string& outDir, ExportFormat format,
                   bool textures) {
-  app.window->Show(kCancelButton, true);
-  app.window->SetProgress(kProgressBar, 0, u32(actors.size()));
   TextureStore store(false);
   BatchSettings settings = BatchSettingsFor(outDir, ProcessorCount(), format, textures, store);
   settings.rigHint = "convert it alone to choose";
-  WindowProgress progress(app, u32(actors.size()));
-  std::vector<BatchActorResult> results;
-  const BatchSummary summary =
-      RunBatch(GameTables{app.packIndex, app.materials, app.rigs}, actors, settings, &progress, app.batchStop, results);
-  TStringBufferA<1024> shown;
-  DisplayPath(outDir.c_str(), shown);
-  Log(app, "%s %u of %zu actors to %s: %u written, %u failed, %u skipped.",
-      summary.notStarted ? "Stopped after" : "Converted", u32(actors.size()) - summary.notStarted, actors.size(),
-      shown.Text(), summary.written, summary.failed, summary.skipped);
-  app.window->Show(kCancelButton, false);
+  WindowBatch(app, actors.size(), outDir, "Converted", "actors", [&](IBatchObserver& progress, auto& results) {
+    return RunBatch(GameTables{app.packIndex, app.materials, app.rigs}, actors, settings, &progress, app.batchStop,
+                    results);
+  });
 }
 
 void ExtractFilesBatch(AppState& app, const std::vector<BatchActor>& files, const std::vector<bool>& asPng,
                        const std::string& outDir) {
-  app.window->Show(kCancelButton, true);
-  app.window->SetProgress(kProgressBar, 0, u32(files.size()));
   const ExtractSettings settings{.outDir = outDir, .jobs = ProcessorCount(), .imagesAsPng = true};
-  WindowProgress progress(app, u32(files.size()));
-  std::vector<BatchActorResult> results;
-  const BatchSummary summary = RunExtract(files, asPng, settings, &progress, app.batchStop, results);
-  TStringBufferA<1024> shown;
-  DisplayPath(outDir.c_str(), shown);
-  Log(app, "%s %u of %zu files to %s: %u written, %u failed, %u skipped.",
-      summary.notStarted ? "Stopped after" : "Extracted", u32(files.size()) - summary.notStarted, files.size(),
-      shown.Text(), summary.written, summary.failed, summary.skipped);
-  app.window->Show(kCancelButton, false);
+  WindowBatch(app, files.size(), outDir, "Extracted", "files", [&](IBatchObserver& progress, auto& results) {
+    return RunExtract(files, asPng, settings, &progress, app.batchStop, results);
+  });
 }

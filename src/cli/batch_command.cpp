@@ -10,19 +10,6 @@
 #include "platform/folders.h"
 #include "platform/parallel_for.h"
 
-namespace {
-
-// The entries that the patterns match; a pattern that matches none is reported.
-std::vector<ListedEntry> Select(const std::vector<ListedEntry>& entries, const std::vector<std::string>& patterns) {
-  std::vector<std::string> unmatched;
-  std::vector<ListedEntry> selected = MatchingEntries(entries, patterns, unmatched);
-  for (const std::string& pattern : unmatched)
-    std::fprintf(stderr, "tarnwick-cli: no actor matches \"%s\"\n", pattern.c_str());
-  return selected;
-}
-
-}  // namespace
-
 // Every actor that a pattern matches, below --out-dir, --jobs at a time, from one opening of the game.
 int RunBatchConvert(const CliOptions& options) {
   if (options.arguments.empty()) {
@@ -41,7 +28,7 @@ int RunBatchConvert(const CliOptions& options) {
   if (!session.Open(options)) return kExitNothingStarted;
   AppState& app = session.App();
   const ExportFormat format = CliFormat(options, ExportFormat::kFbx);
-  std::vector<BatchActor> actors = BatchOf(Select(ListedEntries(app), options.arguments));
+  std::vector<BatchActor> actors = BatchOf(SelectEntries(ListedEntries(app), options.arguments, "actor"));
   if (actors.empty()) return kExitNothingStarted;
   NameOutputs(actors, format == ExportFormat::kGlb ? ".glb" : ".fbx");
 

@@ -52,3 +52,13 @@ bool CliSession::Open(const CliOptions& options) {
   }
   return true;
 }
+
+std::vector<ListedEntry> SelectEntries(const std::vector<ListedEntry>& entries,
+                                       const std::vector<std::string>& patterns, const char* noun) {
+  std::vector<std::string> unmatched;
+  std::vector<ListedEntry> selected = MatchingEntries(entries, patterns, unmatched);
+  for (const std::string& pattern : unmatched) {
+    std::fprintf(stderr, "tarnwick-cli: no %s matches \"%s\"\n", noun, pattern.c_str());
+  }
+  return selected;
+}

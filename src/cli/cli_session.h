@@ -3,6 +3,7 @@
 #include <string>
 #include <vector>
 
+#include "app/actor_list.h"
 #include "app/app_state.h"
 #include "app/convert_actor.h"
 #include "platform/headless_window_system.h"
@@ -41,6 +42,11 @@ class CliSession {
   HeadlessWindowSystem window;
   AppState app;
 };
+
+// The entries that the patterns match (see MatchingEntries); a pattern that matches none is
+// reported as matching no `noun`.
+std::vector<ListedEntry> SelectEntries(const std::vector<ListedEntry>& entries,
+                                       const std::vector<std::string>& patterns, const char* noun);
 
 // Every command's exit status.
 constexpr int kExitDone = 0;            // all that was asked for was done

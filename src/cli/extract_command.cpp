@@ -9,19 +9,6 @@
 #include "cli/interrupt.h"
 #include "platform/parallel_for.h"
 
-namespace {
-
-// The entries that the patterns match; a pattern that matches none is reported.
-std::vector<ListedEntry> Select(const std::vector<ListedEntry>& entries, const std::vector<std::string>& patterns) {
-  std::vector<std::string> unmatched;
-  std::vector<ListedEntry> selected = MatchingEntries(entries, patterns, unmatched);
-  for (const std::string& pattern : unmatched)
-    std::fprintf(stderr, "tarnwick-cli: no file matches \"%s\"\n", pattern.c_str());
-  return selected;
-}
-
-}  // namespace
-
 // Every file that a pattern matches, below --out-dir, as stored or (--images png) images as PNG,
 // --jobs at a time, from one opening of the game. The game's folder is only read.
 int RunExtract(const CliOptions& options) {
@@ -35,7 +22,7 @@ int RunExtract(const CliOptions& options) {
   }
   CliSession session;
   if (!session.Open(options)) return kExitNothingStarted;
-  const std::vector<ListedEntry> files = Select(PackFiles(session.App().packIndex), options.arguments);
+  const std::vector<ListedEntry> files = SelectEntries(PackFiles(session.App().packIndex), options.arguments, "file");
   if (files.empty()) return kExitNothingStarted;
 
   const ExtractSettings settings{.outDir = options.outDir,
