@@ -3,7 +3,6 @@
 #include <cstdio>
 
 #include "app/extract_files.h"
-#include "assets/wildcard_match.h"
 #include "cli/batch_progress.h"
 #include "cli/cli_session.h"
 #include "cli/interrupt.h"
