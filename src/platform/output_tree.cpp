@@ -62,9 +62,14 @@ OutputTree::~OutputTree() {
 
 bool OutputTree::Open(const std::string& folder, std::string& error) {
   pid = int(::getpid());
-  if (!MakeFolders(folder.c_str())) return Fail(error, "can't make the folder: "), false;
+  if (!MakeFolders(folder.c_str())) {
+    Fail(error, "can't make the folder: ");
+    return false;
+  }
   root = ::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
-  return root >= 0 || (Fail(error, "can't open the folder: "), false);
+  if (root >= 0) return true;
+  Fail(error, "can't open the folder: ");
+  return false;
 }
 
 std::shared_ptr<OutputTree::Folder> OutputTree::Enter(const std::string& path, TreeWrite& failure) const {
