@@ -10,7 +10,3 @@
 // model bone.
 [[nodiscard]] bool BuildSceneSkeleton(ExportScene& scene, const ModelFile& model, const RigSkeleton* rig,
                                       TArray<u32>& modelToRig);
-
-// The column-major matrix of translation `t` and rotation `q` (x, y, z, w; normalised first, the
-// identity for a zero one), applied after the column-major `parent`.
-void ComposeBind(const f64* parent, const f32 (&t)[3], const f32 (&q)[4], f64 (&out)[16]);

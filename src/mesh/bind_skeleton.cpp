@@ -4,97 +4,86 @@
 
 namespace {
 
-// A bone's place in the model: where it rests and how it is turned, as a unit quaternion.
-struct Pose {
-  f64 position[3] = {};
-  f64 rotation[4] = {0, 0, 0, 1};  // x, y, z, w
-};
+constexpr f64 kIdentity[16] = {1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1};
 
-// The stored quaternion made unit length; one of no length is no rotation, as the export takes it.
-void Normalised(const f32 (&q)[4], f64 (&out)[4]) {
+// The matrix of translation `t` and rotation `q` (x, y, z, w) applied after the column-major
+// `parent`.
+void Compose(const f64* parent, const f32 (&t)[4], const f32 (&q)[4], f64 (&out)[16]) {
   const f64 length = std::sqrt(f64(q[0]) * q[0] + f64(q[1]) * q[1] + f64(q[2]) * q[2] + f64(q[3]) * q[3]);
-  if (length <= 0) {
-    out[0] = out[1] = out[2] = 0;
-    out[3] = 1;
-    return;
+  const f64 s = length > 0 ? 1 / length : 0;
+  const f64 x = q[0] * s, y = q[1] * s, z = q[2] * s, w = length > 0 ? q[3] * s : 1;
+  // The local matrix T * R, column-major.
+  const f64 local[16] = {1 - 2 * (y * y + z * z),
+                         2 * (x * y + z * w),
+                         2 * (x * z - y * w),
+                         0,
+                         2 * (x * y - z * w),
+                         1 - 2 * (x * x + z * z),
+                         2 * (y * z + x * w),
+                         0,
+                         2 * (x * z + y * w),
+                         2 * (y * z - x * w),
+                         1 - 2 * (x * x + y * y),
+                         0,
+                         t[0],
+                         t[1],
+                         t[2],
+                         1};
+  for (u32 column = 0; column < 4; ++column) {
+    for (u32 row = 0; row < 4; ++row) {
+      f64 sum = 0;
+      for (u32 k = 0; k < 4; ++k) sum += parent[4 * k + row] * local[4 * column + k];
+      out[4 * column + row] = sum;
+    }
   }
-  for (int i = 0; i < 4; ++i) out[i] = q[i] / length;
-}
-
-// `a` after `b`: the rotation b, then a (column vectors, as the export's matrices are).
-void Multiply(const f64 (&a)[4], const f64 (&b)[4], f64 (&out)[4]) {
-  const f64 r[4] = {
-      a[3] * b[0] + a[0] * b[3] + a[1] * b[2] - a[2] * b[1], a[3] * b[1] - a[0] * b[2] + a[1] * b[3] + a[2] * b[0],
-      a[3] * b[2] + a[0] * b[1] - a[1] * b[0] + a[2] * b[3], a[3] * b[3] - a[0] * b[0] - a[1] * b[1] - a[2] * b[2]};
-  for (int i = 0; i < 4; ++i) out[i] = r[i];
-}
-
-// `v` turned by the unit quaternion `q`: v + 2w (u x v) + 2 u x (u x v), u the vector part.
-void Rotate(const f64 (&q)[4], const f32 (&v)[4], f64 (&out)[3]) {
-  const f64 u[3] = {q[0], q[1], q[2]};
-  const f64 t[3] = {2 * (u[1] * v[2] - u[2] * v[1]), 2 * (u[2] * v[0] - u[0] * v[2]), 2 * (u[0] * v[1] - u[1] * v[0])};
-  out[0] = v[0] + q[3] * t[0] + (u[1] * t[2] - u[2] * t[1]);
-  out[1] = v[1] + q[3] * t[1] + (u[2] * t[0] - u[0] * t[2]);
-  out[2] = v[2] + q[3] * t[2] + (u[0] * t[1] - u[1] * t[0]);
 }
 
 }  // namespace
+
+bool BindMatrices(const RigSkeleton& rig, TArray<BindMatrix>& matrices) {
+  const u32 count = rig.bones.Count();
+  TArray<u8> placed;
+  TArray<u32> chain;
+  if (!matrices.SetSize(count) || !placed.SetSize(count) || !chain.SetSize(count)) return false;
+  auto parentOf = [&](u32 bone) {
+    const i32 parent = rig.bones[bone].parent;
+    return parent >= 0 && u32(parent) < count ? parent : -1;
+  };
+  // Each bone's chain is walked up to a bone already placed (or a root) and placed from there
+  // down. The step bound keeps a malformed chain from looping.
+  for (u32 i = 0; i < count; ++i) {
+    u32 length = 0;
+    for (i32 b = i32(i); b >= 0 && !placed[u32(b)] && length < count; b = parentOf(u32(b))) chain[length++] = u32(b);
+    while (length > 0) {
+      const u32 bone = chain[--length];
+      const i32 parent = parentOf(bone);
+      const f64* above = parent >= 0 && placed[u32(parent)] ? matrices[u32(parent)].m : kIdentity;
+      Compose(above, rig.bones[bone].translation, rig.bones[bone].rotation, matrices[bone].m);
+      placed[bone] = 1;
+    }
+  }
+  return true;
+}
 
 bool BuildBindSkeleton(BindSkeleton& skeleton, const RigSkeleton& rig) {
   const u32 count = rig.bones.Count();
   (void)skeleton.joints.SetSize(0);
   (void)skeleton.lines.SetSize(0);
-  TArray<Pose> poses;
-  TArray<u8> placed;  // 1 once a bone's pose is known
-  TArray<u32> chain;  // bones whose parents are still to be placed, the nearest to a root last
-  if (!poses.SetSize(count) || !placed.SetSize(count) || !chain.Reserve(count) || !skeleton.joints.SetSize(count)) {
-    (void)skeleton.joints.SetSize(0);
-    return false;
-  }
-  for (u32 bone = 0; bone < count; ++bone) {
-    if (rig.bones[bone].parent >= i32(count)) {
-      (void)skeleton.joints.SetSize(0);
-      return false;
-    }
-    // Parents may follow their children: walk up to a placed bone or a root, then place back down.
-    // A read rig has no loops, and the chain can't outgrow the bone count even if one had.
-    (void)chain.SetSize(0);
-    for (u32 at = bone; !placed[at] && chain.Count() < count;) {
-      *chain.Append() = at;
-      const i32 parent = rig.bones[at].parent;
-      if (parent < 0 || parent >= i32(count)) break;
-      at = u32(parent);
-    }
-    for (u32 i = chain.Count(); i-- > 0;) {
-      const u32 at = chain[i];
-      const RigBone& rigBone = rig.bones[at];
-      Pose& pose = poses[at];
-      f64 local[4];
-      Normalised(rigBone.rotation, local);
-      const i32 parent = rigBone.parent;
-      if (parent < 0 || parent >= i32(count) || !placed[u32(parent)]) {
-        for (int k = 0; k < 3; ++k) pose.position[k] = rigBone.translation[k];
-        for (int k = 0; k < 4; ++k) pose.rotation[k] = local[k];
-      } else {
-        const Pose& above = poses[u32(parent)];
-        f64 offset[3];
-        Rotate(above.rotation, rigBone.translation, offset);
-        for (int k = 0; k < 3; ++k) pose.position[k] = above.position[k] + offset[k];
-        Multiply(above.rotation, local, pose.rotation);
-      }
-      placed[at] = 1;
-    }
-  }
   u32 lineCount = 0;
-  for (const RigBone& bone : rig.bones) lineCount += bone.parent >= 0 ? 1 : 0;
-  if (!skeleton.lines.SetSize(2 * lineCount)) {
+  for (const RigBone& bone : rig.bones) {
+    if (bone.parent >= i32(count)) return false;
+    lineCount += bone.parent >= 0 ? 1 : 0;
+  }
+  TArray<BindMatrix> matrices;
+  if (!BindMatrices(rig, matrices) || !skeleton.joints.SetSize(count) || !skeleton.lines.SetSize(2 * lineCount)) {
     (void)skeleton.joints.SetSize(0);
+    (void)skeleton.lines.SetSize(0);
     return false;
   }
   u32 next = 0;
   for (u32 bone = 0; bone < count; ++bone) {
-    const Pose& pose = poses[bone];
-    skeleton.joints[bone] = Vec3{f32(pose.position[0]), f32(pose.position[1]), f32(pose.position[2])};
+    const f64* m = matrices[bone].m;
+    skeleton.joints[bone] = Vec3{f32(m[12]), f32(m[13]), f32(m[14])};
     if (rig.bones[bone].parent < 0) continue;
     skeleton.lines[next++] = bone;
     skeleton.lines[next++] = u32(rig.bones[bone].parent);

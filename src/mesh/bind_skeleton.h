@@ -12,6 +12,17 @@ struct BindSkeleton {
   TArray<u32> lines;    // pairs of indices into `joints`: a bone, then its parent; roots have none
 };
 
+// A bone's global bind transform: column-major, the translation in 12 to 14, its rotation from the
+// rig's quaternion made unit length (a quaternion of no length is no rotation).
+struct BindMatrix {
+  f64 m[16] = {};
+};
+
+// Each bone's global bind transform, in the rig's bone order: its translation and rotation applied
+// after its parent's. Parents may follow their children; a bone whose parent lies outside the rig
+// hangs at the root. False when memory is refused.
+[[nodiscard]] bool BindMatrices(const RigSkeleton& rig, TArray<BindMatrix>& matrices);
+
 // Fills `skeleton` from `rig`. False (with `skeleton` empty) when memory is refused or a parent
 // index is outside the rig, which a read rig never has.
 [[nodiscard]] bool BuildBindSkeleton(BindSkeleton& skeleton, const RigSkeleton& rig);
